@@ -1,0 +1,338 @@
+// zdt-gen: writes generated classic traces and CAN filter files.
+
+#include "ClassicTraceGenerator.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+const char* const kUsage =
+    R"(usage:
+  zdt-gen classic [options] OUT          a classic trace; OUT "-" writes to standard output
+  zdt-gen flt --type StopFilter|PassFilter --ids 7E8,7DF [--plain] OUT
+  zdt-gen --help
+
+classic options:
+  --schema S              Schema value: 2, 5, 501, 601 (default), 701, or any other text
+  --no-schema             omit the Schema key
+  --title T               Title value (default "ZDT Trace File"; others make CAN-onboard traces)
+  --no-title              omit the Title key
+  --no-description        write no [Description] section at all
+  --creator X, --product-version X, --interface-board X, --date X, --time X
+                          the other head keys
+  --omit KEY              omit Creator, ProductVersion, InterfaceBoard, Date or Time
+  --head-line TEXT        an extra line in [Description] (repeatable)
+  --records N             record lines to write (default 1000)
+  --bytes N               write records until the file holds N bytes (suffix K, M, G)
+  --seed N                random seed (default 1)
+  --mix M                 all | can | kline | events | traffic (default all)
+  --format F              schema (default) | legacy | 701: the record line formats
+  --times T               schema (default) | delta | absolute
+  --history F:PATH        a CANFilter entry with flag F (1 or 0) (repeatable)
+  --history-bare PATH     a CANFilter entry without flag (repeatable)
+  --history-at W          end (default) | middle: where [AnalyzerHistory] stands
+  --history-padding N     unknown lines ahead of the history entries
+  --lf-only               end lines with LF instead of CR LF
+  --no-final-eol          no line ending after the last line
+  --hostile LIST          comma list of empty, one, bracket, long, overlong, garbage, all
+  --hostile-every N       one hostile line after every N records (default 16)
+  --summary FILE          write records, bytes, last record offset and line (hex) to FILE
+
+flt options:
+  --type T                StopFilter or PassFilter (any text is written as given)
+  --ids LIST              comma list of hexadecimal identifiers; extended ones with bit 31 set
+  --plain                 values as plain hex instead of 0x-prefixed
+)";
+
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+std::uint64_t ParseCount(const std::string& text) {
+    char* end = nullptr;
+    const unsigned long long value = std::strtoull(text.c_str(), &end, 10);
+    std::uint64_t scale = 1;
+    if (end != nullptr && *end != '\0') {
+        switch (*end) {
+        case 'K': case 'k': scale = 1ull << 10; break;
+        case 'M': case 'm': scale = 1ull << 20; break;
+        case 'G': case 'g': scale = 1ull << 30; break;
+        default: throw UsageError("not a number: " + text);
+        }
+        if (end[1] != '\0')
+            throw UsageError("not a number: " + text);
+    }
+    if (end == text.c_str())
+        throw UsageError("not a number: " + text);
+    return value * scale;
+}
+
+std::vector<std::string> SplitCommas(const std::string& text) {
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    for (;;) {
+        const std::size_t comma = text.find(',', start);
+        parts.push_back(text.substr(start, comma - start));
+        if (comma == std::string::npos)
+            return parts;
+        start = comma + 1;
+    }
+}
+
+// Walks the arguments of one command.
+class Arguments {
+public:
+    Arguments(int argc, char** argv, int first) : m_args(argv + first, argv + argc) {}
+    bool Done() const { return m_next >= m_args.size(); }
+    std::string Next() { return m_args[m_next++]; }
+    std::string Value(const std::string& option) {
+        if (Done())
+            throw UsageError(option + " needs a value");
+        return Next();
+    }
+
+private:
+    std::vector<std::string> m_args;
+    std::size_t m_next = 0;
+};
+
+zdtgen::RecordMix ParseMix(const std::string& text) {
+    if (text == "all") return zdtgen::RecordMix::All;
+    if (text == "can") return zdtgen::RecordMix::Can;
+    if (text == "kline") return zdtgen::RecordMix::KLine;
+    if (text == "events") return zdtgen::RecordMix::Events;
+    if (text == "traffic") return zdtgen::RecordMix::Traffic;
+    throw UsageError("unknown mix: " + text);
+}
+
+void EnableHostile(zdtgen::HostileExtras& extras, const std::string& list) {
+    for (const auto& kind : SplitCommas(list)) {
+        if (kind == "empty") extras.emptyLines = true;
+        else if (kind == "one") extras.digitOneLines = true;
+        else if (kind == "bracket") extras.bracketLines = true;
+        else if (kind == "long") extras.longLines = true;
+        else if (kind == "overlong") extras.overlongLengths = true;
+        else if (kind == "garbage") extras.binaryGarbage = true;
+        else if (kind == "all") {
+            const std::uint32_t every = extras.every;
+            extras = zdtgen::HostileExtras::AllKinds();
+            extras.every = every;
+        } else
+            throw UsageError("unknown hostile kind: " + kind);
+    }
+}
+
+void OmitKey(zdtgen::ClassicTraceOptions& o, const std::string& key) {
+    if (key == "Creator") o.creator.reset();
+    else if (key == "ProductVersion") o.productVersion.reset();
+    else if (key == "InterfaceBoard") o.interfaceBoard.reset();
+    else if (key == "Date") o.date.reset();
+    else if (key == "Time") o.time.reset();
+    else throw UsageError("cannot omit key: " + key);
+}
+
+// True when the option was one of the head options.
+bool ParseHeadOption(zdtgen::ClassicTraceOptions& o, const std::string& arg, Arguments& args) {
+    if (arg == "--schema") o.schema = args.Value(arg);
+    else if (arg == "--no-schema") o.schema.clear();
+    else if (arg == "--title") o.title = args.Value(arg);
+    else if (arg == "--no-title") o.title.reset();
+    else if (arg == "--no-description") o.writeDescription = false;
+    else if (arg == "--creator") o.creator = args.Value(arg);
+    else if (arg == "--product-version") o.productVersion = args.Value(arg);
+    else if (arg == "--interface-board") o.interfaceBoard = args.Value(arg);
+    else if (arg == "--date") o.date = args.Value(arg);
+    else if (arg == "--time") o.time = args.Value(arg);
+    else if (arg == "--omit") OmitKey(o, args.Value(arg));
+    else if (arg == "--head-line") o.extraHeadLines.push_back(args.Value(arg));
+    else return false;
+    return true;
+}
+
+bool ParseHistoryOption(zdtgen::ClassicTraceOptions& o, const std::string& arg, Arguments& args) {
+    if (arg == "--history") {
+        const std::string value = args.Value(arg);
+        if (value.size() < 2 || value[1] != ':')
+            throw UsageError("--history wants F:PATH, F being 1 or 0");
+        o.history.push_back({value.substr(2), value[0]});
+    } else if (arg == "--history-bare") {
+        o.history.push_back({args.Value(arg), 0});
+    } else if (arg == "--history-at") {
+        const std::string where = args.Value(arg);
+        if (where == "end") o.historyPlacement = zdtgen::HistoryPlacement::AtEnd;
+        else if (where == "middle") o.historyPlacement = zdtgen::HistoryPlacement::InTraceData;
+        else throw UsageError("--history-at wants end or middle");
+    } else if (arg == "--history-padding") {
+        o.historyPaddingLines = static_cast<std::uint32_t>(ParseCount(args.Value(arg)));
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool ParseRecordOption(zdtgen::ClassicTraceOptions& o, const std::string& arg, Arguments& args) {
+    if (arg == "--records") o.records = ParseCount(args.Value(arg));
+    else if (arg == "--bytes") o.targetBytes = ParseCount(args.Value(arg));
+    else if (arg == "--seed") o.seed = ParseCount(args.Value(arg));
+    else if (arg == "--mix") o.mix = ParseMix(args.Value(arg));
+    else if (arg == "--format") {
+        const std::string f = args.Value(arg);
+        if (f == "schema") o.format = zdtgen::LineFormat::BySchema;
+        else if (f == "legacy") o.format = zdtgen::LineFormat::Legacy;
+        else if (f == "701") o.format = zdtgen::LineFormat::V701;
+        else throw UsageError("--format wants schema, legacy or 701");
+    } else if (arg == "--times") {
+        const std::string t = args.Value(arg);
+        if (t == "schema") o.timeStyle = zdtgen::TimeStyle::BySchema;
+        else if (t == "delta") o.timeStyle = zdtgen::TimeStyle::Delta;
+        else if (t == "absolute") o.timeStyle = zdtgen::TimeStyle::Absolute;
+        else throw UsageError("--times wants schema, delta or absolute");
+    } else if (arg == "--lf-only") o.lineEnding = zdtgen::LineEnding::LfOnly;
+    else if (arg == "--no-final-eol") o.lastLineWithoutEnding = true;
+    else if (arg == "--hostile") EnableHostile(o.hostile, args.Value(arg));
+    else if (arg == "--hostile-every") o.hostile.every = static_cast<std::uint32_t>(ParseCount(args.Value(arg)));
+    else return false;
+    return true;
+}
+
+std::string Hex(const std::string& bytes) {
+    static const char* digits = "0123456789ABCDEF";
+    std::string text;
+    for (unsigned char c : bytes) {
+        text += digits[c >> 4];
+        text += digits[c & 15];
+    }
+    return text;
+}
+
+void WriteSummary(const std::string& path, const zdtgen::ClassicTraceSummary& summary) {
+    std::ofstream out(path, std::ios::binary);
+    out << "records=" << summary.records << "\n"
+        << "bytes=" << summary.bytes << "\n"
+        << "last_offset=" << summary.lastRecordOffset << "\n"
+        << "last_line_hex=" << Hex(summary.lastRecordLine) << "\n";
+    if (!out)
+        throw std::runtime_error("cannot write " + path);
+}
+
+// Writes through `write` to OUT, or to standard output for "-".
+template <typename Writer>
+void WriteOutput(const std::string& path, Writer write) {
+    if (path == "-") {
+        write(std::cout);
+        std::cout.flush();
+        if (!std::cout)
+            throw std::runtime_error("cannot write to standard output");
+        return;
+    }
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!out)
+        throw std::runtime_error("cannot create " + path);
+    write(out);
+    out.close();
+    if (!out)
+        throw std::runtime_error("cannot write " + path);
+}
+
+int RunClassic(Arguments args) {
+    zdtgen::ClassicTraceOptions o;
+    std::string summaryPath;
+    std::string outPath;
+    bool historyPlaced = false;
+    while (!args.Done()) {
+        const std::string arg = args.Next();
+        if (arg == "--history-at")
+            historyPlaced = true;
+        if (ParseHeadOption(o, arg, args) || ParseHistoryOption(o, arg, args) || ParseRecordOption(o, arg, args))
+            continue;
+        if (arg == "--summary")
+            summaryPath = args.Value(arg);
+        else if (arg.size() > 1 && arg[0] == '-')
+            throw UsageError("unknown option: " + arg);
+        else if (!outPath.empty())
+            throw UsageError("more than one output file");
+        else
+            outPath = arg;
+    }
+    if (outPath.empty())
+        throw UsageError("no output file");
+    if (!historyPlaced && (!o.history.empty() || o.historyPaddingLines != 0))
+        o.historyPlacement = zdtgen::HistoryPlacement::AtEnd;
+    zdtgen::ClassicTraceSummary summary;
+    WriteOutput(outPath, [&](std::ostream& out) { summary = zdtgen::WriteClassicTraceWithSummary(out, o); });
+    if (!summaryPath.empty())
+        WriteSummary(summaryPath, summary);
+    return 0;
+}
+
+int RunFilter(Arguments args) {
+    std::string type;
+    std::vector<std::uint32_t> ids;
+    bool idsGiven = false;
+    auto style = zdtgen::FilterValueStyle::Prefixed;
+    std::string outPath;
+    while (!args.Done()) {
+        const std::string arg = args.Next();
+        if (arg == "--type") {
+            type = args.Value(arg);
+        } else if (arg == "--ids") {
+            idsGiven = true;
+            const std::string list = args.Value(arg);
+            if (!list.empty())
+                for (const auto& id : SplitCommas(list)) {
+                    char* end = nullptr;
+                    ids.push_back(static_cast<std::uint32_t>(std::strtoul(id.c_str(), &end, 16)));
+                    if (id.empty() || *end != '\0')
+                        throw UsageError("not a hexadecimal identifier: " + id);
+                }
+        } else if (arg == "--plain") {
+            style = zdtgen::FilterValueStyle::PlainHex;
+        } else if (arg.size() > 1 && arg[0] == '-') {
+            throw UsageError("unknown option: " + arg);
+        } else {
+            outPath = arg;
+        }
+    }
+    if (type.empty() || !idsGiven || outPath.empty())
+        throw UsageError("flt needs --type, --ids and OUT");
+    const std::string text = zdtgen::MakeCanFilterFile(type, ids, style);
+    WriteOutput(outPath, [&](std::ostream& out) { out << text; });
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        if (argc < 2)
+            throw UsageError("no command");
+        const std::string command = argv[1];
+        if (command == "--help" || command == "-h" || command == "help") {
+            std::cout << kUsage;
+            return 0;
+        }
+        for (int i = 2; i < argc; ++i)
+            if (std::strcmp(argv[i], "--help") == 0) {
+                std::cout << kUsage;
+                return 0;
+            }
+        if (command == "classic")
+            return RunClassic(Arguments(argc, argv, 2));
+        if (command == "flt")
+            return RunFilter(Arguments(argc, argv, 2));
+        throw UsageError("unknown command: " + command);
+    } catch (const UsageError& e) {
+        std::cerr << "zdt-gen: " << e.what() << "\n" << kUsage;
+        return 2;
+    } catch (const std::exception& e) {
+        std::cerr << "zdt-gen: " << e.what() << "\n";
+        return 1;
+    }
+}

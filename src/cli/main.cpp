@@ -1,0 +1,46 @@
+// zdt-cli: the trace core as a command-line tool. It reads traces and never writes into them.
+#include "ClassicCommands.h"
+#include "CliOptions.h"
+#include "app/DocumentRoute.h"
+
+#include <cstdio>
+#include <exception>
+
+namespace {
+
+int Dispatch(const CliArguments& args) {
+    if (args.command == "help") {
+        std::fputs(UsageText(), stdout);
+        return 0;
+    }
+    if (args.command != "rows" && args.command != "info" && args.command != "sbt" && args.command != "find")
+        throw UsageError{"unknown command " + args.command};
+    if (args.files.empty())
+        throw UsageError{args.command + " needs a file"};
+    const zdt::DocumentFamily family = zdt::FamilyForPath(args.files[0]);
+    if (family != zdt::DocumentFamily::Classic) {
+        std::fprintf(stderr, "%s: this kind of document cannot be read by zdt-cli yet\n", args.files[0].c_str());
+        return 1;
+    }
+    if (args.command == "rows")
+        return RunClassicRows(args);
+    if (args.command == "info")
+        return RunClassicInfo(args);
+    if (args.command == "sbt")
+        return RunClassicSbt(args);
+    return RunClassicFind(args);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Dispatch(ParseCliArguments(argc, argv));
+    } catch (const UsageError& error) {
+        std::fprintf(stderr, "zdt-cli: %s\n\n%s", error.text.c_str(), UsageText());
+        return 2;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "zdt-cli: %s\n", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "common/UserMessage.h"
+
+#include <optional>
+#include <string>
+
+namespace zdt {
+
+// Titles of the boxes shown when a plain file blocks a temporary directory's name.
+inline constexpr const char* TempRootFailureTitle = "E001_001 [Initialization failed.]";
+inline constexpr const char* SessionTempDirFailureTitle = "E001_002 [Initialization failed.]";
+inline constexpr const char* TempDirFailureText = "Temporary directory problem.";
+
+// "<directory of the running executable>/Analyzer/"; resolved once per run.
+const std::string& AnalyzerBinaryDir();
+
+// The root of all temporary directories, with a trailing "/"; resolved once per run
+// by ResolveAnalyzerTempRoot(AnalyzerBinaryDir()).
+const std::string& AnalyzerTempRoot();
+
+// $ZDT_ANALYZER_HOME/Temp/ when that variable is set. Otherwise <binaryDir>Temp/ when
+// it is writable or can be created, so a build tree keeps its files beside the program;
+// an installed program falls back to the user's data home ($XDG_DATA_HOME, else
+// ~/.local/share) + "/ZDT-Analyzer/Temp/".
+std::string ResolveAnalyzerTempRoot(const std::string& binaryDir);
+
+// A fresh per-run directory name below `root`: "temp<seconds>_<rand>/".
+std::string MakeSessionTempDirName(const std::string& root);
+
+struct TempDirectoryResult {
+    // The box to show; set only when a plain file blocks the name.
+    std::optional<UserMessage> failure;
+    bool ok() const { return !failure; }
+};
+
+// Makes sure `path` is a directory, creating missing parents. A failure to create is
+// not reported: only a file standing in the way stops the program.
+TempDirectoryResult EnsureTempDirectory(const std::string& path, const std::string& failureTitle);
+
+// Deletes the files directly inside `path` and then the directory if it became empty.
+// Sub-directories and their contents stay. Anything but an existing directory is left alone.
+void RemoveSessionTempDir(const std::string& path);
+
+// The per-run temporary directory, owned by the application or the command-line tool:
+// made at start-up below the temporary root, emptied and removed at the end.
+class SessionTempDirectory {
+public:
+    SessionTempDirectory() = default;
+    ~SessionTempDirectory();
+    SessionTempDirectory(const SessionTempDirectory&) = delete;
+    SessionTempDirectory& operator=(const SessionTempDirectory&) = delete;
+
+    // Ensures AnalyzerTempRoot() and a fresh directory below it.
+    std::optional<UserMessage> Create();
+    // Ensures `root`, then `root` + a fresh name. Returns the box when a file blocks either.
+    std::optional<UserMessage> Create(const std::string& root);
+    // Ensures `root`, then `sessionDir`, which is kept only once the root stands.
+    // A directory made by an earlier call is removed first.
+    std::optional<UserMessage> Create(const std::string& root, const std::string& sessionDir);
+
+    // With a trailing "/"; empty until the root stands.
+    const std::string& Path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
+} // namespace zdt

@@ -1,0 +1,117 @@
+#include "classic/ClassicTime.h"
+
+#include "classic/CAnalyzerDoc.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+std::uint32_t ArrayValue(const ChunkedArray& array, std::uint32_t row) {
+    return row < array.Size() ? array.Get(row) : 0;
+}
+
+} // namespace
+
+std::string FormatTime(std::uint32_t value, int digits) {
+    char printed[32];
+    std::snprintf(printed, sizeof printed, "%0*u", digits + 1, value);
+    const std::string all(printed);
+    const std::size_t integerDigits = all.size() - static_cast<std::size_t>(digits);
+    std::string text;
+    text.reserve(all.size() + all.size() / 3 + 2);
+    for (std::size_t i = 0; i < integerDigits; ++i) {
+        if (i > 0 && (integerDigits - i) % 3 == 0)
+            text += '.';
+        text += all[i];
+    }
+    text += ',';
+    text.append(all, integerDigits, std::string::npos);
+    return text;
+}
+
+RowTime ComputeRowTime(const CAnalyzerDoc& doc, std::uint32_t row, const CTraceItem& item, TimeUse use) {
+    RowTime result;
+    const CTraceFile& file = *doc.TraceFile();
+    const std::uint32_t delta = ArrayValue(file.DeltaTimes(), row);
+    const std::uint64_t threshold = std::uint64_t(doc.AlarmThreshold()) * 1000u;
+    result.alarm = threshold != 0 && delta >= threshold && !doc.IsCanTrace();
+
+    std::uint32_t time = 0;
+    item.GetTime(time);
+    if (time == 0)
+        return result;
+    result.blank = false;
+    result.digits = 3;
+    const TimeMode mode = doc.GetTimeMode();
+    if (mode == TimeMode::InterByte) {
+        if (!item.IsLineByte())
+            result.value = delta;
+        else
+            result.value = delta > doc.ByteTime() ? delta - doc.ByteTime() : 0;
+    } else if (doc.IsDeltaFile()) {
+        if (mode == TimeMode::Absolute) {
+            result.value = ArrayValue(file.AbsoluteTimes(), row);
+            result.digits = 6;
+        } else {
+            result.value = doc.IsFilterActive() ? delta : time;
+        }
+    } else if (mode == TimeMode::Absolute) {
+        result.value = time;
+        result.digits = 6;
+    } else if (mode == TimeMode::RelativeChannel && use == TimeUse::Report) {
+        result.value = time - ArrayValue(file.ChannelDeltas(), row);
+    } else {
+        result.value = delta;
+    }
+    return result;
+}
+
+bool PreviousTimedRecordFinder::Find(CAnalyzerDoc& doc, std::uint32_t row, std::uint32_t& time) {
+    std::uint32_t from = row;
+    bool found = false;
+    std::uint32_t foundTime = 0;
+    // Rows asked in order: only the row just above is new.
+    if (m_valid && row == m_forRow + 1) {
+        found = m_found;
+        foundTime = m_time;
+        from = row;
+        if (row >= 2) {
+            std::unique_ptr<CTraceItemI> above(doc.GetItem(row - 1));
+            std::uint32_t aboveTime = 0;
+            if (above && above->HasTime() && row - 1 >= 1) {
+                above->GetTime(aboveTime);
+                found = true;
+                foundTime = aboveTime;
+            }
+        }
+    } else {
+        for (std::uint32_t r = from; r-- > 1;) {
+            std::unique_ptr<CTraceItemI> item(doc.GetItem(r));
+            if (item && item->HasTime()) {
+                item->GetTime(foundTime);
+                found = true;
+                break;
+            }
+        }
+    }
+    m_valid = true;
+    m_forRow = row;
+    m_found = found;
+    m_time = foundTime;
+    if (found)
+        time = foundTime;
+    return found;
+}
+
+std::string FormatV701Time(CAnalyzerDoc& doc, std::uint32_t row, const CTraceItem& item,
+                           PreviousTimedRecordFinder& finder) {
+    std::uint32_t time = 0;
+    item.GetTime(time);
+    if (doc.GetTimeMode() == TimeMode::Absolute)
+        return FormatTime(time, 3);
+    std::uint32_t previous = 0;
+    if (!finder.Find(doc, row, previous))
+        return "--";
+    return FormatTime(time - previous - doc.BaseTime(), 3);
+}

@@ -1,0 +1,138 @@
+#pragma once
+
+#include "common/UserMessage.h"
+#include "trace/CBufFile.h"
+#include "trace/CTraceItemI.h"
+#include "trace/ChannelTimes.h"
+#include "trace/ChunkedArray.h"
+
+#include <cstdint>
+#include <string>
+
+// A classic trace: its head, an index of record offsets and times, and records
+// fetched one at a time on demand. Only the index lives in memory.
+class CTraceFile : public CBufFile {
+public:
+    static constexpr std::uint32_t MaxRecordLine = 256;
+
+    CTraceFile();
+    ~CTraceFile() override;
+
+    // Reads the sections, checks the schema and indexes every record. Boxes go to
+    // `messages`; `progress` may stop the pass, which then fails with no message.
+    bool OpenTrace(const std::string& path, zdt::MessageSink* messages = nullptr,
+                   zdt::ProgressSink* progress = nullptr);
+    // The record of visible row `index`, owned by the caller, or null.
+    CTraceItemI* GetItem(std::uint32_t index);
+    void ReleaseItem(CTraceItem* item);
+    void CloseTrace();
+    bool AppendFilterHistory(const std::string& name, bool active);
+
+    // Reads the record line at `offset` into `line` (MaxRecordLine + 1 bytes), cut at its
+    // carriage return or at 256 characters and zero-terminated. False when nothing is read.
+    bool ReadRecordLine(std::uint64_t offset, char* line);
+    // Whether GetItem reads with the reader of versions up to 601 (by the schema text).
+    bool UsesLegacyReader() const { return m_legacyReader; }
+
+    const std::string& GetFileName() const { return m_fileName; }
+    std::string GetTitle() const { return m_title; }
+    std::string GetSchema() const { return m_schema; }
+    std::int32_t GetSchemaNumber() const { return m_schemaNumber; }
+    std::string GetCreator() const { return m_creator; }
+    std::string GetProductVersion() const { return m_productVersion; }
+    std::string GetInterfaceBoard() const { return m_interfaceBoard; }
+    std::string GetDate() const { return m_date; }
+    std::string GetTime() const { return m_time; }
+    std::string GetLastFilter() const { return m_lastFilterName; }
+    const std::string& GetLastFilterPath() const { return m_lastFilterPath; }
+    bool GetFilterActive() const { return m_filterActive != 0; }
+    bool HasHistory() const { return m_hasHistory != 0; }
+    // The last OpenTrace failed because its progress sink asked to stop.
+    bool WasCancelled() const { return m_cancelled; }
+
+    bool SeenChannel() const { return m_seenChannel != 0; }
+    bool SeenIdentifier() const { return m_seenIdentifier != 0; }
+    bool SeenSource() const { return m_seenSource != 0; }
+    bool SeenDestination() const { return m_seenDestination != 0; }
+    bool SeenPriority() const { return m_seenPriority != 0; }
+    bool SeenFlex() const { return m_seenFlexIdentifier || m_seenFlexChannel || m_seenFlexSlot; }
+    bool SeenClass0() const { return m_seenClass0 != 0; }
+    bool SeenClass8() const { return m_seenClass8 != 0; }
+    bool SeenClass4() const { return m_seenClass4 != 0; }
+    bool IsDeltaTimes() const { return m_deltaTimes != 0; }
+    bool IsZdtTrace() const { return m_isZdtTrace != 0; }
+    bool IsOtherTrace() const { return m_isOtherTrace != 0; }
+
+    std::uint32_t VisibleCount() const { return m_visibleCount; }
+    std::uint32_t TotalCount() const { return m_totalCount; }
+    void SetVisibleCount(std::uint32_t count) { m_visibleCount = count; }
+
+    // The index. The document's filter pass rewrites the visible offsets and the times.
+    OffsetArray& VisibleOffsets() { return m_visibleOffsets; }
+    const OffsetArray& AllOffsets() const { return m_allOffsets; }
+    ChunkedArray& AbsoluteTimes() { return m_absoluteTimes; }
+    ChunkedArray& DeltaTimes() { return m_deltaTimesArray; }
+    ChunkedArray& ChannelDeltas() { return m_channelDeltas; }
+    const ChunkedArray& AbsoluteTimes() const { return m_absoluteTimes; }
+    const ChunkedArray& DeltaTimes() const { return m_deltaTimesArray; }
+    const ChunkedArray& ChannelDeltas() const { return m_channelDeltas; }
+    ChannelTimes& ChannelTimeList() { return m_channelTimes; }
+    // Memory the index holds, for the benchmarks.
+    std::size_t IndexBytes() const;
+
+private:
+    bool ReadHead(std::uint64_t& offset, zdt::MessageSink* messages);
+    bool ReadHistory(std::uint64_t& offset);
+    void StoreHeadValue(const std::string& key, const std::string& value, bool& schemaOk);
+    bool IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress);
+    void IndexRecord(std::uint64_t offset, const char* line, std::size_t length);
+    void TimePass(const char* line, std::size_t length);
+    void ResetIndex();
+
+    std::string m_fileName;
+    std::string m_title;
+    std::string m_schema;
+    std::int32_t m_schemaNumber = 0;
+    std::string m_creator;
+    std::string m_productVersion;
+    std::string m_interfaceBoard;
+    std::string m_date;
+    std::string m_time;
+    std::string m_lastFilterPath;
+    std::string m_lastFilterName;
+    std::uint8_t m_filterActive = 0;
+    std::uint8_t m_hasHistory = 0;
+    std::uint8_t m_seenChannel = 0;
+    std::uint8_t m_seenIdentifier = 0;
+    std::uint8_t m_seenSource = 0;
+    std::uint8_t m_seenDestination = 0;
+    std::uint8_t m_seenPriority = 0;
+    std::uint8_t m_seenFlexIdentifier = 0;
+    std::uint8_t m_seenFlexChannel = 0;
+    std::uint8_t m_seenFlexSlot = 0;
+    std::uint8_t m_seenClass0 = 0;
+    std::uint8_t m_seenClass8 = 0;
+    std::uint8_t m_seenClass4 = 0;
+    std::uint8_t m_deltaTimes = 0;
+    std::uint8_t m_isZdtTrace = 0;
+    std::uint8_t m_isOtherTrace = 0;
+    bool m_legacyReader = false;
+    bool m_cancelled = false;
+    std::uint32_t m_visibleCount = 0;
+    std::uint32_t m_totalCount = 0;
+    std::uint32_t m_previousTime = 0;
+    std::uint32_t m_absoluteTime = 0;
+    std::uint32_t m_deltaTime = 0;
+    ChannelTimes m_channelTimes;
+
+    OffsetArray m_visibleOffsets;
+    OffsetArray m_allOffsets;
+    ChunkedArray m_absoluteTimes;
+    ChunkedArray m_deltaTimesArray;
+    ChunkedArray m_channelDeltas;
+
+    // Block cache for record reads, so that rows read in order cost one read per block.
+    char* m_recordBlock = nullptr;
+    std::uint64_t m_recordBlockOffset = 0;
+    std::size_t m_recordBlockBytes = 0;
+};

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// Growable array of 32-bit values in chunks of 16,384 entries, so that it grows
+// without copying its data. The chunk table grows by 32 entries at a time.
+class ChunkedArray {
+public:
+    static constexpr std::uint32_t ChunkEntries = 16384;
+    static constexpr std::uint32_t TableGrowth = 32;
+
+    ChunkedArray() = default;
+    ~ChunkedArray();
+    ChunkedArray(const ChunkedArray&) = delete;
+    ChunkedArray& operator=(const ChunkedArray&) = delete;
+
+    // False when a chunk or the table could not be allocated: the value is dropped.
+    bool Append(std::uint32_t value);
+    std::uint32_t Get(std::uint32_t index) const { return m_table[index / ChunkEntries][index % ChunkEntries]; }
+    std::uint32_t Size() const { return m_total; }
+    void Clear();
+    std::size_t BytesAllocated() const;
+
+private:
+    std::uint32_t m_nextFree = ChunkEntries; // next free place in the current chunk
+    std::uint32_t m_chunkCount = 0;
+    std::uint32_t m_tableCapacity = 0;
+    std::uint32_t* m_currentChunk = nullptr;
+    std::uint32_t** m_table = nullptr;
+    std::uint32_t m_total = 0;
+};
+
+// File offsets of records in file order, four bytes each: the low words live in a
+// ChunkedArray and the rare steps of the high word are kept aside, so files beyond
+// 4 GiB index correctly without doubling the memory per record.
+class OffsetArray {
+public:
+    OffsetArray() = default;
+    ~OffsetArray();
+    OffsetArray(const OffsetArray&) = delete;
+    OffsetArray& operator=(const OffsetArray&) = delete;
+
+    // Offsets must be appended in non-decreasing order.
+    bool Append(std::uint64_t offset);
+    std::uint64_t Get(std::uint32_t index) const;
+    std::uint32_t Size() const { return m_low.Size(); }
+    void Clear();
+    std::size_t BytesAllocated() const;
+
+private:
+    struct HighStep {
+        std::uint32_t firstIndex;
+        std::uint32_t high;
+    };
+    ChunkedArray m_low;
+    HighStep* m_steps = nullptr;
+    std::uint32_t m_stepCount = 0;
+    std::uint32_t m_stepCapacity = 0;
+    std::uint32_t m_currentHigh = 0;
+};

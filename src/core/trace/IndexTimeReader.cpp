@@ -1,0 +1,173 @@
+#include "trace/IndexTimeReader.h"
+
+#include "trace/NibbleTables.h"
+
+#include <climits>
+
+namespace {
+
+bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
+
+int HexDigit(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}
+
+// Types whose time the legacy reader takes from the hexadecimal field behind the code.
+bool IsHexTimeType(std::uint16_t type) {
+    switch (type) {
+    case 0x0000: case 0x0003: case 0x0004: case 0x0005: case 0x0006: case 0x0008: case 0x000A: case 0x000F:
+    case 0x0020: case 0x0021: case 0x0022: case 0x0030: case 0x0031: case 0x0032: case 0x0033: case 0x0034:
+    case 0x0035: case 0x0036: case 0x0037: case 0x0080: case 0x00FE:
+    case 0x8000: case 0x8001: case 0x8002: case 0x8003: case 0x8004: case 0x8005: case 0x800E: case 0x800F:
+    case 0x8012: case 0x8013: case 0x801E: case 0x801F: case 0x8020: case 0x8021: case 0x8022: case 0x8023:
+    case 0x8024: case 0x8025: case 0x8026:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// Types whose channel and time are the first and third blank-separated tokens.
+bool IsTokenTimeType(std::uint16_t type) {
+    return type == 0x5000 || type == 0x5800 || type == 0x6000 || type == 0x6800 || type == 0x440C ||
+           (type >= 0x4400 && type <= 0x4407);
+}
+
+bool SetsIdentifierOnly(std::uint16_t type) {
+    return type == 0x0020 || type == 0x0021 || type == 0x0022 || type == 0x8012 || type == 0x8013 ||
+           type == 0x8025 || type == 0x8026;
+}
+
+void ReadTokens(const char* text, const char* end, IndexLineFacts& facts) {
+    const char* token[3] = {nullptr, nullptr, nullptr};
+    std::size_t tokenLength[3] = {0, 0, 0};
+    int count = 0;
+    const char* p = text;
+    while (count < 3 && p < end) {
+        while (p < end && *p == ' ')
+            ++p;
+        if (p >= end)
+            break;
+        const char* begin = p;
+        while (p < end && *p != ' ')
+            ++p;
+        token[count] = begin;
+        tokenLength[count] = static_cast<std::size_t>(p - begin);
+        ++count;
+    }
+    if (token[0] != nullptr)
+        facts.channelNumber = ParseChannelToken(token[0], tokenLength[0]);
+    if (token[2] != nullptr)
+        facts.time = AtolTruncated(token[2], tokenLength[2]);
+}
+
+} // namespace
+
+std::uint16_t IndexLineType(const char* line, std::size_t length) {
+    auto at = [&](std::size_t i) -> unsigned char { return i < length ? static_cast<unsigned char>(line[i]) : 0; };
+    return static_cast<std::uint16_t>((nibble::Byte(at(0), at(1)) << 8) | nibble::Byte(at(2), at(3)));
+}
+
+int ParseChannelToken(const char* token, std::size_t length) {
+    int value = 0;
+    int digit = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+        const char c = token[i];
+        if (c >= '0' && c <= '9')
+            digit = c - '0';
+        else if (c >= 'A' && c <= 'F')
+            digit = c - 'A' + 10;
+        else if (c >= 'a' && c <= 'f')
+            digit = c - 0x6B;
+        value = value * 16 + digit;
+    }
+    return value;
+}
+
+std::uint32_t ScanHexField(const char* text, int width) {
+    const char* p = text;
+    while (IsSpace(*p))
+        ++p;
+    bool negative = false;
+    if (*p == '-' || *p == '+') {
+        negative = *p == '-';
+        ++p;
+        if (--width == 0)
+            return 0;
+    }
+    std::uint64_t value = 0;
+    bool digits = false;
+    if (*p == '0') {
+        digits = true;
+        ++p;
+        --width;
+        if (width > 0 && (*p == 'x' || *p == 'X')) {
+            ++p;
+            --width;
+        }
+    }
+    for (; width > 0; --width, ++p) {
+        const int digit = HexDigit(*p);
+        if (digit < 0)
+            break;
+        value = value * 16 + static_cast<unsigned>(digit);
+        digits = true;
+    }
+    if (!digits)
+        return 0;
+    const auto result = static_cast<std::uint32_t>(value);
+    return negative ? 0u - result : result;
+}
+
+std::uint32_t AtolTruncated(const char* text, std::size_t length) {
+    std::size_t i = 0;
+    while (i < length && IsSpace(text[i]))
+        ++i;
+    bool negative = false;
+    if (i < length && (text[i] == '-' || text[i] == '+')) {
+        negative = text[i] == '-';
+        ++i;
+    }
+    unsigned long long magnitude = 0;
+    bool overflow = false;
+    for (; i < length && text[i] >= '0' && text[i] <= '9'; ++i) {
+        if (!overflow) {
+            magnitude = magnitude * 10 + static_cast<unsigned>(text[i] - '0');
+            if (magnitude > static_cast<unsigned long long>(LONG_MAX) + 1)
+                overflow = true;
+        }
+    }
+    long value;
+    if (negative)
+        value = overflow || magnitude > static_cast<unsigned long long>(LONG_MAX) + 1 ? LONG_MIN
+                : magnitude == static_cast<unsigned long long>(LONG_MAX) + 1 ? LONG_MIN
+                                                                             : -static_cast<long>(magnitude);
+    else
+        value = overflow || magnitude > static_cast<unsigned long long>(LONG_MAX) ? LONG_MAX
+                                                                                  : static_cast<long>(magnitude);
+    return static_cast<std::uint32_t>(value);
+}
+
+IndexLineFacts ReadIndexLineFacts(const char* line, std::size_t length) {
+    IndexLineFacts facts;
+    const std::uint16_t type = IndexLineType(line, length);
+    const char* fields = length > 5 ? line + 5 : line + length;
+    if (IsTokenTimeType(type)) {
+        ReadTokens(fields, line + length, facts);
+        facts.channel = true;
+        facts.identifier = true;
+    } else if (IsHexTimeType(type)) {
+        facts.time = ScanHexField(fields, 8);
+        facts.identifier = SetsIdentifierOnly(type);
+        facts.sourceDestinationPriority = type == 0x0034 || type == 0x0035 || type == 0x0036;
+    } else if (type == 0x0038 || type == 0x0039 || type == 0x0090 || type == 0x0091) {
+        facts.flex = true;
+    }
+    return facts;
+}

@@ -1,0 +1,235 @@
+#include "app/WellKnownPaths.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+
+namespace fs = std::filesystem;
+using namespace zdt;
+
+namespace {
+
+class ScratchDirectory {
+public:
+    ScratchDirectory()
+    {
+        std::string pattern = (fs::temp_directory_path() / "zdt-paths-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr)
+            throw std::runtime_error("mkdtemp failed");
+        m_path = pattern;
+    }
+    ~ScratchDirectory()
+    {
+        std::error_code ignored;
+        fs::remove_all(m_path, ignored);
+    }
+    const std::string& path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
+// Sets or clears an environment variable for one test and restores it afterwards.
+class EnvironmentOverride {
+public:
+    EnvironmentOverride(const char* name, const char* value) : m_name(name)
+    {
+        if (const char* old = std::getenv(name))
+            m_old = old;
+        if (value != nullptr)
+            setenv(name, value, 1);
+        else
+            unsetenv(name);
+    }
+    ~EnvironmentOverride()
+    {
+        if (m_old)
+            setenv(m_name, m_old->c_str(), 1);
+        else
+            unsetenv(m_name);
+    }
+
+private:
+    const char* m_name;
+    std::optional<std::string> m_old;
+};
+
+void WriteFile(const std::string& path, const std::string& text = "x")
+{
+    std::ofstream(path) << text;
+}
+
+} // namespace
+
+TEST(WellKnownPaths, BinaryDirIsAnalyzerBesideTheRunningExecutable)
+{
+    const std::string& dir = AnalyzerBinaryDir();
+    ASSERT_GE(dir.size(), 10u);
+    EXPECT_EQ(dir.substr(dir.size() - 10), "/Analyzer/");
+    const fs::path programDir = fs::path(dir.substr(0, dir.size() - 10));
+    EXPECT_TRUE(fs::equivalent(programDir / fs::read_symlink("/proc/self/exe").filename(), "/proc/self/exe"));
+    EXPECT_EQ(&AnalyzerBinaryDir(), &dir);
+}
+
+TEST(WellKnownPaths, TempRootPrefersOverrideThenProgramThenUserDataHome)
+{
+    ScratchDirectory scratch;
+    const std::string writableBinaryDir = scratch.path() + "/install/bin/Analyzer/";
+    WriteFile(scratch.path() + "/blocker");
+    const std::string blockedBinaryDir = scratch.path() + "/blocker/Analyzer/";
+
+    {
+        EnvironmentOverride home("ZDT_ANALYZER_HOME", (scratch.path() + "/home/").c_str());
+        EXPECT_EQ(ResolveAnalyzerTempRoot(writableBinaryDir), scratch.path() + "/home/Temp/");
+    }
+    EnvironmentOverride noHome("ZDT_ANALYZER_HOME", "");
+    // Creatable even though neither "install" nor "bin" exist yet.
+    EXPECT_EQ(ResolveAnalyzerTempRoot(writableBinaryDir), writableBinaryDir + "Temp/");
+    EXPECT_FALSE(fs::exists(scratch.path() + "/install"));
+    {
+        EnvironmentOverride xdg("XDG_DATA_HOME", (scratch.path() + "/data").c_str());
+        EXPECT_EQ(ResolveAnalyzerTempRoot(blockedBinaryDir), scratch.path() + "/data/ZDT-Analyzer/Temp/");
+    }
+    {
+        EnvironmentOverride xdg("XDG_DATA_HOME", "relative/ignored");
+        EnvironmentOverride userHome("HOME", (scratch.path() + "/user").c_str());
+        EXPECT_EQ(ResolveAnalyzerTempRoot(blockedBinaryDir),
+                  scratch.path() + "/user/.local/share/ZDT-Analyzer/Temp/");
+    }
+}
+
+TEST(WellKnownPaths, SessionDirNameCarriesTimeAndRandomValue)
+{
+    const long before = static_cast<long>(std::time(nullptr));
+    const std::string name = MakeSessionTempDirName("/root/Temp/");
+    const long after = static_cast<long>(std::time(nullptr));
+
+    long seconds = -1;
+    int random = -1;
+    int consumed = 0;
+    ASSERT_EQ(std::sscanf(name.c_str(), "/root/Temp/temp%ld_%d/%n", &seconds, &random, &consumed), 2) << name;
+    EXPECT_EQ(static_cast<std::size_t>(consumed), name.size()) << name;
+    EXPECT_GE(random, 0);
+    EXPECT_GE(seconds, before);
+    EXPECT_LE(seconds, after);
+}
+
+TEST(WellKnownPaths, EnsureCreatesMissingParentsAndAcceptsExistingDirectories)
+{
+    ScratchDirectory scratch;
+    const std::string root = scratch.path() + "/a/b/Temp/";
+
+    EXPECT_TRUE(EnsureTempDirectory(root, TempRootFailureTitle).ok());
+    EXPECT_TRUE(fs::is_directory(root));
+    EXPECT_TRUE(EnsureTempDirectory(root, TempRootFailureTitle).ok());
+    EXPECT_TRUE(EnsureTempDirectory(scratch.path() + "/a", TempRootFailureTitle).ok());
+}
+
+TEST(WellKnownPaths, PlainFileBlockingTheNameGivesTheCallersBox)
+{
+    ScratchDirectory scratch;
+    WriteFile(scratch.path() + "/Temp");
+
+    const TempDirectoryResult result = EnsureTempDirectory(scratch.path() + "/Temp/", TempRootFailureTitle);
+    ASSERT_FALSE(result.ok());
+    EXPECT_EQ(result.failure->title, "E001_001 [Initialization failed.]");
+    EXPECT_EQ(result.failure->text, "Temporary directory problem.");
+    EXPECT_EQ(result.failure->icon, MessageIcon::Error);
+    EXPECT_TRUE(fs::is_regular_file(scratch.path() + "/Temp"));
+}
+
+TEST(WellKnownPaths, CreationFailureOtherThanABlockingFileIsNotReported)
+{
+    ScratchDirectory scratch;
+    WriteFile(scratch.path() + "/file");
+    // The parent is a file, so nothing can be made; only a blocked name itself stops start-up.
+    EXPECT_TRUE(EnsureTempDirectory(scratch.path() + "/file/Temp/", TempRootFailureTitle).ok());
+}
+
+TEST(WellKnownPaths, RemovalDeletesFilesButLeavesSubdirectories)
+{
+    ScratchDirectory scratch;
+    const std::string session = scratch.path() + "/temp1_2/";
+    fs::create_directories(session + "sub");
+    WriteFile(session + "a.fc");
+    WriteFile(session + ".hidden");
+    WriteFile(session + "sub/kept.txt");
+    fs::create_symlink(scratch.path(), session + "link");
+
+    RemoveSessionTempDir(session);
+    EXPECT_TRUE(fs::exists(session + "sub/kept.txt"));
+    EXPECT_FALSE(fs::exists(session + "a.fc"));
+    EXPECT_FALSE(fs::exists(session + ".hidden"));
+    EXPECT_FALSE(fs::is_symlink(session + "link"));
+    EXPECT_TRUE(fs::is_directory(scratch.path()));
+
+    fs::remove_all(session + "sub");
+    WriteFile(session + "b.fc");
+    RemoveSessionTempDir(scratch.path() + "/temp1_2");
+    EXPECT_FALSE(fs::exists(session));
+}
+
+TEST(WellKnownPaths, RemovalLeavesAnythingButADirectoryAlone)
+{
+    ScratchDirectory scratch;
+    WriteFile(scratch.path() + "/plain");
+    RemoveSessionTempDir(scratch.path() + "/plain");
+    RemoveSessionTempDir(scratch.path() + "/missing/");
+    RemoveSessionTempDir("");
+    EXPECT_TRUE(fs::is_regular_file(scratch.path() + "/plain"));
+}
+
+TEST(SessionTempDirectory, MakesRootAndSessionAndRemovesSessionOnDestruction)
+{
+    ScratchDirectory scratch;
+    const std::string root = scratch.path() + "/Analyzer/Temp/";
+    std::string sessionPath;
+    {
+        SessionTempDirectory session;
+        EXPECT_FALSE(session.Create(root).has_value());
+        sessionPath = session.Path();
+        EXPECT_EQ(sessionPath.rfind(root + "temp", 0), 0u);
+        EXPECT_EQ(sessionPath.back(), '/');
+        EXPECT_TRUE(fs::is_directory(sessionPath));
+        WriteFile(sessionPath + "swap.fc");
+    }
+    EXPECT_FALSE(fs::exists(sessionPath));
+    EXPECT_TRUE(fs::is_directory(root));
+}
+
+TEST(SessionTempDirectory, BlockedRootStopsBeforeTheSessionIsKept)
+{
+    ScratchDirectory scratch;
+    WriteFile(scratch.path() + "/Temp");
+    SessionTempDirectory session;
+
+    const std::optional<UserMessage> failure = session.Create(scratch.path() + "/Temp/");
+    ASSERT_TRUE(failure.has_value());
+    EXPECT_EQ(failure->title, "E001_001 [Initialization failed.]");
+    EXPECT_TRUE(session.Path().empty());
+}
+
+TEST(SessionTempDirectory, BlockedSessionNameGivesTheSecondBoxAndKeepsTheFile)
+{
+    ScratchDirectory scratch;
+    const std::string root = scratch.path() + "/Temp/";
+    fs::create_directories(root);
+    WriteFile(root + "temp5_6");
+    {
+        SessionTempDirectory session;
+        const std::optional<UserMessage> failure = session.Create(root, root + "temp5_6/");
+        ASSERT_TRUE(failure.has_value());
+        EXPECT_EQ(failure->title, "E001_002 [Initialization failed.]");
+        EXPECT_EQ(failure->text, "Temporary directory problem.");
+        EXPECT_EQ(session.Path(), root + "temp5_6/");
+    }
+    EXPECT_TRUE(fs::is_regular_file(root + "temp5_6"));
+}
