@@ -4,7 +4,7 @@ set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 "$root/scripts/install-deps.sh"
 "$root/scripts/build.sh" "$root/build"
-sample="${1:-$root/samples/diagnostic-601.trc}"
+sample="${1:-$root/samples/can_bus_601.trc}"
 echo "== zdt-cli info $sample"
 "$root/build/zdt-cli" info "$sample"
 echo "== zdt-cli rows $sample"

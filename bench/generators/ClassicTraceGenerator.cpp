@@ -136,7 +136,7 @@ struct ClassicTraceGenerator::State {
         standardIds[2] = 0x7E8;
         extendedIds[0] = 0x18DA10F1;
         extendedIds[1] = 0x18DAF110;
-        const auto table = Templates();
+        const auto& table = Templates();
         for (std::size_t i = 0; i < table.size(); ++i)
             if (MixWants(table[i]))
                 mixTemplates.push_back(static_cast<std::uint16_t>(i));
@@ -483,7 +483,8 @@ struct ClassicTraceGenerator::State {
         Head701(type);
         Dash701();
     }
-    void ChannelStateOrNone(std::uint16_t type, int variant) {
+    // Dash form, or the bare type code of four characters, which reads as untimed.
+    void DashFormOrBare(std::uint16_t type, int variant) {
         if (variant == 2) {
             Type(type); // four characters only: no time
             return;
@@ -866,7 +867,7 @@ const std::vector<ClassicTraceGenerator::State::Template>& ClassicTraceGenerator
         {0x00FC, &S::NoFields701, E, 1, 1},
         {0x00FD, &S::NoFields701, E, 1, 1},
         {0x00FE, &S::NoFields701, E, 1, 1},
-        {0x00FF, &S::ChannelStateOrNone, E, 3, 3},
+        {0x00FF, &S::DashFormOrBare, E, 3, 3},
         {0x0400, &S::DashForm, E, 2, 2},
         {0x4400, &S::DashForm, E, 2, 2},
         {0x400A, &S::V701Baud, E, 2, 2},

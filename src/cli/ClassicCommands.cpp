@@ -4,6 +4,7 @@
 #include "app/BrandEdition.h"
 #include "classic/ClassicReport.h"
 #include "classic/ClassicRowFormatter.h"
+#include "classic/TextFormat.h"
 
 #include <cstdio>
 #include <fstream>
@@ -64,12 +65,12 @@ int RunClassicRows(const CliArguments& args) {
     ClassicRowFormatter formatter(doc);
     OutputBuffer out;
     const std::uint32_t rows = doc.GetVisibleCount();
-    char number[16];
+    ClassicRow formatted;
     for (std::uint32_t row = 0; row < rows; ++row) {
-        const ClassicRow formatted = formatter.Format(row);
+        formatter.Format(row, formatted);
         std::string& text = out.Text();
-        const int length = std::snprintf(number, sizeof number, "%u\t", row + 1);
-        text.append(number, static_cast<std::size_t>(length));
+        textformat::AppendUnsigned(text, row + 1);
+        text += '\t';
         text += formatted.mark;
         for (const std::string& column : formatted.columns) {
             text += '\t';

@@ -46,6 +46,8 @@ public:
 
     CTraceItemI* GetItem(std::uint32_t index) { return m_traceFile ? m_traceFile->GetItem(index) : nullptr; }
     void ReleaseItem(CTraceItem* item) { delete item; }
+    // Reads row `index` into a fresh record of the caller's, without a heap record.
+    bool ReadItem(std::uint32_t index, CTraceItemI& item) { return m_traceFile && m_traceFile->ReadItem(index, item); }
     std::uint32_t GetVisibleCount() const { return m_traceFile ? m_traceFile->VisibleCount() : 0; }
     CTraceFile* TraceFile() { return m_traceFile.get(); }
     const CTraceFile* TraceFile() const { return m_traceFile.get(); }

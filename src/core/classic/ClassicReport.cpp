@@ -128,7 +128,7 @@ std::string ClassicReportFormatter::FormatLine(std::uint32_t row) {
         if (record.HasMarkText()) {
             std::string mark;
             record.GetMarkText(mark);
-            text += "(" + mark + ")";
+            text.append("(").append(mark).append(")");
         }
         data = Printf("%-30s", text.c_str()) + " ";
     } else if (record.IsPcTime()) {

@@ -1,6 +1,7 @@
 #include "classic/ClassicRowFormatter.h"
 
 #include "classic/CAnalyzerDoc.h"
+#include "classic/TextFormat.h"
 
 #include <cctype>
 #include <cstdio>
@@ -29,13 +30,8 @@ namespace {
 
 const char kHexDigits[] = "0123456789ABCDEF";
 
-std::string HexByteUpper(std::uint32_t value) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%02x", value);
-    for (char* p = text; *p; ++p)
-        *p = static_cast<char>(std::toupper(static_cast<unsigned char>(*p)));
-    return text;
-}
+// "%02x" upper-cased.
+void AppendHexByteUpper(std::string& out, std::uint32_t value) { textformat::AppendHex(out, value, 2, '0'); }
 
 std::uint32_t RowColour(const CTraceItem& item) {
     if (item.HasSeverity()) {
@@ -59,80 +55,87 @@ std::uint32_t RowColour(const CTraceItem& item) {
 
 } // namespace
 
-std::string DataBytesText(const CTraceItem& item) {
-    std::string text;
+void AppendDataBytesText(std::string& text, const CTraceItem& item) {
     if (!item.HasData())
-        return text;
+        return;
     std::uint8_t length = 0;
     item.GetDataLength(length);
     const std::uint8_t* data = nullptr;
     item.GetData(data);
     if (length == 0 || data == nullptr)
-        return text;
-    text.reserve(length * 3u);
+        return;
+    char buffer[3 * 256];
+    std::size_t used = 0;
     for (std::uint8_t i = 0; i < length; ++i) {
         if (i > 0)
-            text += ' ';
-        text += kHexDigits[data[i] >> 4];
-        text += kHexDigits[data[i] & 0x0F];
+            buffer[used++] = ' ';
+        buffer[used++] = kHexDigits[data[i] >> 4];
+        buffer[used++] = kHexDigits[data[i] & 0x0F];
     }
+    text.append(buffer, used);
+}
+
+std::string DataBytesText(const CTraceItem& item) {
+    std::string text;
+    AppendDataBytesText(text, item);
     return text;
 }
 
-std::string ClassicRowFormatter::TimeCell(std::uint32_t row, const CTraceItem& item, bool& alarm) {
+void ClassicRowFormatter::TimeCell(std::uint32_t row, const CTraceItem& item, std::string& cell, bool& alarm) {
     if (!item.HasTime())
-        return {};
-    if (m_doc.SchemaNumber() == 701)
-        return FormatV701Time(m_doc, row, item, m_previousTimed);
+        return;
+    if (m_doc.SchemaNumber() == 701) {
+        cell = FormatV701Time(m_doc, row, item, m_previousTimed);
+        return;
+    }
     const RowTime time = ComputeRowTime(m_doc, row, item, TimeUse::Screen);
     alarm = time.alarm;
-    return time.blank ? std::string(" ") : FormatTime(time.value, time.digits);
+    if (time.blank)
+        cell = " ";
+    else
+        AppendFormattedTime(cell, time.value, time.digits);
 }
 
 void ClassicRowFormatter::FillColumns(std::uint32_t row, const CTraceItem& item, ClassicRow& out, bool& alarm) {
     auto& c = out.columns;
     std::uint8_t channel = 0;
     if (item.HasChannel() && item.GetChannel(channel) == 0 && channel != 0)
-        c[1] = std::to_string(channel);
+        textformat::AppendUnsigned(c[1], channel);
     if (item.HasIdentifier()) {
         std::uint32_t identifier = 0;
         std::uint8_t extended = 0;
         item.GetIdentifier(identifier);
         item.GetExtendedFlag(extended);
-        char text[32];
-        if (extended)
-            std::snprintf(text, sizeof text, "%8X%s", identifier, "(x)");
-        else
-            std::snprintf(text, sizeof text, "%8X   ", identifier);
-        c[2] = text;
+        textformat::AppendHex(c[2], identifier, 8, ' ');
+        c[2] += extended ? "(x)" : "   ";
     }
-    c[0] = TimeCell(row, item, alarm);
+    TimeCell(row, item, c[0], alarm);
     if (item.IsEvent()) {
         item.GetEventText(c[6]);
         if (item.HasMarkText()) {
             std::string mark;
             item.GetMarkText(mark);
-            c[6] += "(" + mark + ")";
+            c[6].append("(").append(mark).append(")");
         }
     } else if (item.IsPcTime()) {
         c[6] = "[PC Time Stamp]";
     } else {
-        c[6] = DataBytesText(item);
+        AppendDataBytesText(c[6], item);
     }
     if (item.HasPriority()) {
         std::uint32_t priority = 0;
         item.GetPriority(priority);
-        c[3] = HexByteUpper(priority);
+        AppendHexByteUpper(c[3], priority);
     }
     if (item.HasSource()) {
         std::uint32_t source = 0;
         item.GetSource(source);
-        c[4] = HexByteUpper(source);
+        AppendHexByteUpper(c[4], source);
     }
     if (item.HasDestination()) {
         std::uint8_t destination = 0;
         item.GetDestination(destination);
-        c[5] = HexByteUpper(destination);
+        AppendHexByteUpper(c[5], destination);
     }
     if (item.IsPcTime())
         item.GetPcTimeText(c[7]);
@@ -140,19 +143,29 @@ void ClassicRowFormatter::FillColumns(std::uint32_t row, const CTraceItem& item,
 
 ClassicRow ClassicRowFormatter::Format(std::uint32_t row, long long selectedRow) {
     ClassicRow out;
-    std::unique_ptr<CTraceItemI> item(m_doc.GetItem(row));
+    Format(row, out, selectedRow);
+    return out;
+}
+
+void ClassicRowFormatter::Format(std::uint32_t row, ClassicRow& out, long long selectedRow) {
+    for (std::string& column : out.columns)
+        column.clear();
+    out.mark = " ";
+    out.foreground = 0x000000;
+    out.background = 0xFFFFFF;
+    CTraceItemI item;
+    const bool read = m_doc.ReadItem(row, item);
     if (m_doc.NeedsHeaderUpdate())
         m_doc.ClearHeaderUpdate();
-    if (!item) {
+    if (!read) {
         m_previousTimed.Reset();
-        return out;
+        return;
     }
-    out.foreground = RowColour(*item);
+    out.foreground = RowColour(item);
     const bool bookmarked = m_doc.IsBookmarked(row);
     bool alarm = false;
-    FillColumns(row, *item, out, alarm);
+    FillColumns(row, item, out, alarm);
     out.mark = alarm ? (bookmarked ? "BA" : "A") : (bookmarked ? "B" : " ");
     if (selectedRow >= 0 && static_cast<long long>(row) == selectedRow)
         out.background = ColourSelectedRow;
-    return out;
 }

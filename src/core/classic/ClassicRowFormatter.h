@@ -41,6 +41,7 @@ constexpr std::uint32_t ColourSelectedRow = 0xC0C0C0;
 
 // Data bytes as upper-case hex pairs joined by single blanks; empty without data.
 std::string DataBytesText(const CTraceItem& item);
+void AppendDataBytesText(std::string& text, const CTraceItem& item);
 
 // Builds rows from freshly read records; keeps nothing of a row but the 701 time cache.
 class ClassicRowFormatter {
@@ -48,11 +49,13 @@ public:
     explicit ClassicRowFormatter(CAnalyzerDoc& doc) : m_doc(doc) {}
     // `selectedRow` < 0: no selection.
     ClassicRow Format(std::uint32_t row, long long selectedRow = -1);
+    // The same into `out`, reusing its strings: for callers that format rows by the million.
+    void Format(std::uint32_t row, ClassicRow& out, long long selectedRow = -1);
     // The column texts of a record, with its time cell and the alarm flag.
     void FillColumns(std::uint32_t row, const CTraceItem& item, ClassicRow& out, bool& alarm);
 
 private:
-    std::string TimeCell(std::uint32_t row, const CTraceItem& item, bool& alarm);
+    void TimeCell(std::uint32_t row, const CTraceItem& item, std::string& cell, bool& alarm);
 
     CAnalyzerDoc& m_doc;
     PreviousTimedRecordFinder m_previousTimed;

@@ -13,20 +13,30 @@ std::uint32_t ArrayValue(const ChunkedArray& array, std::uint32_t row) {
 
 } // namespace
 
-std::string FormatTime(std::uint32_t value, int digits) {
-    char printed[32];
-    std::snprintf(printed, sizeof printed, "%0*u", digits + 1, value);
-    const std::string all(printed);
-    const std::size_t integerDigits = all.size() - static_cast<std::size_t>(digits);
-    std::string text;
-    text.reserve(all.size() + all.size() / 3 + 2);
-    for (std::size_t i = 0; i < integerDigits; ++i) {
+void AppendFormattedTime(std::string& text, std::uint32_t value, int digits) {
+    // "%0*u" with at least one digit before the comma.
+    char all[16];
+    int count = 0;
+    do {
+        all[count++] = static_cast<char>('0' + value % 10);
+        value /= 10;
+    } while (value != 0);
+    while (count < digits + 1)
+        all[count++] = '0';
+    const int integerDigits = count - digits;
+    for (int i = 0; i < integerDigits; ++i) {
         if (i > 0 && (integerDigits - i) % 3 == 0)
             text += '.';
-        text += all[i];
+        text += all[count - 1 - i];
     }
     text += ',';
-    text.append(all, integerDigits, std::string::npos);
+    for (int i = integerDigits; i < count; ++i)
+        text += all[count - 1 - i];
+}
+
+std::string FormatTime(std::uint32_t value, int digits) {
+    std::string text;
+    AppendFormattedTime(text, value, digits);
     return text;
 }
 
@@ -77,19 +87,19 @@ bool PreviousTimedRecordFinder::Find(CAnalyzerDoc& doc, std::uint32_t row, std::
         foundTime = m_time;
         from = row;
         if (row >= 2) {
-            std::unique_ptr<CTraceItemI> above(doc.GetItem(row - 1));
+            CTraceItemI above;
             std::uint32_t aboveTime = 0;
-            if (above && above->HasTime() && row - 1 >= 1) {
-                above->GetTime(aboveTime);
+            if (doc.ReadItem(row - 1, above) && above.HasTime()) {
+                above.GetTime(aboveTime);
                 found = true;
                 foundTime = aboveTime;
             }
         }
     } else {
         for (std::uint32_t r = from; r-- > 1;) {
-            std::unique_ptr<CTraceItemI> item(doc.GetItem(r));
-            if (item && item->HasTime()) {
-                item->GetTime(foundTime);
+            CTraceItemI item;
+            if (doc.ReadItem(r, item) && item.HasTime()) {
+                item.GetTime(foundTime);
                 found = true;
                 break;
             }

@@ -9,6 +9,7 @@ class CTraceItem;
 // "1.234,567": the value with `digits` decimals behind a comma and a dot before each
 // group of three integer digits, whatever the locale.
 std::string FormatTime(std::uint32_t value, int digits);
+void AppendFormattedTime(std::string& text, std::uint32_t value, int digits);
 
 // Where a row's time is shown: the list and the search, or the ".sbt" report, which
 // prints relative-channel times from the per-channel array.

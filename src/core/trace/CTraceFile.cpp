@@ -18,7 +18,8 @@ constexpr const char* kNoValidTrace = "No valid ZDT - Trace File";
 constexpr const char* kInvalidVersion = "Invalid Version of Trace File";
 constexpr int kMaxHeadLines = 200;
 constexpr std::size_t kRecordBlockSize = 64 * 1024;
-constexpr std::size_t kIndexBlockSize = 4 * 1024 * 1024;
+// Small enough to stay in the cache between the copy from the kernel and the scan.
+constexpr std::size_t kIndexBlockSize = 256 * 1024;
 constexpr std::uint64_t kProgressStep = 16 * 1024 * 1024;
 
 bool StartsWith(const char* line, const char* prefix) { return std::strncmp(line, prefix, std::strlen(prefix)) == 0; }
@@ -263,7 +264,8 @@ void CTraceFile::IndexRecord(std::uint64_t offset, const char* line, std::size_t
 }
 
 void CTraceFile::TimePass(const char* line, std::size_t length) {
-    const IndexLineFacts facts = ReadIndexLineFacts(line, length);
+    IndexLineFacts facts;
+    ReadIndexLineFacts(line, length, facts);
     if (facts.channel)
         m_seenChannel = 1;
     if (facts.identifier)
@@ -318,18 +320,22 @@ bool CTraceFile::ReadRecordLine(std::uint64_t offset, char* line) {
     return true;
 }
 
-CTraceItemI* CTraceFile::GetItem(std::uint32_t index) {
+bool CTraceFile::ReadItem(std::uint32_t index, CTraceItemI& item) {
     if (index >= m_visibleCount || index >= m_visibleOffsets.Size())
-        return nullptr;
+        return false;
     char line[MaxRecordLine + 1];
     if (!ReadRecordLine(m_visibleOffsets.Get(index), line))
-        return nullptr;
-    auto* item = new CTraceItemI();
+        return false;
     if (m_legacyReader)
-        item->ParseLine(line, 1);
+        item.ParseLine(line, 1);
     else
-        item->ParseLineV701(line, 1);
-    return item;
+        item.ParseLineV701(line, 1);
+    return true;
+}
+
+CTraceItemI* CTraceFile::GetItem(std::uint32_t index) {
+    auto item = std::make_unique<CTraceItemI>();
+    return ReadItem(index, *item) ? item.release() : nullptr;
 }
 
 void CTraceFile::ReleaseItem(CTraceItem* item) { delete item; }

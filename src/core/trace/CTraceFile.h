@@ -24,6 +24,8 @@ public:
                    zdt::ProgressSink* progress = nullptr);
     // The record of visible row `index`, owned by the caller, or null.
     CTraceItemI* GetItem(std::uint32_t index);
+    // The same into a freshly constructed record of the caller's: false where GetItem gives null.
+    bool ReadItem(std::uint32_t index, CTraceItemI& item);
     void ReleaseItem(CTraceItem* item);
     void CloseTrace();
     bool AppendFilterHistory(const std::string& name, bool active);

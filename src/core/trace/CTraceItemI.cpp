@@ -47,10 +47,8 @@ bool HasFrameData(std::uint8_t kind) {
     case KindPriorityFrame:
     case KindAddressedFrame:
     case KindByteBlock:
-    case KindFlexFrame:
-        return true;
-    default:
-        return false;
+    case KindFlexFrame: return true;
+    default: return false;
     }
 }
 
@@ -186,12 +184,9 @@ bool CTraceItemI::HasTime() const {
     switch (m_kind) {
     case KindEvent:
     case KindBaudrate:
-    case KindBaudrateFormat:
-        return m_timeValid != 0;
-    case KindPcTime:
-        return false;
-    default:
-        return true;
+    case KindBaudrateFormat: return m_timeValid != 0;
+    case KindPcTime: return false;
+    default: return true;
     }
 }
 
@@ -239,9 +234,8 @@ int CTraceItemI::GetPcTimeText(std::string& text) const {
         return static_cast<int>(m_payload[offset] | (m_payload[offset + 1] << 8));
     };
     char buffer[64];
-    std::snprintf(buffer, sizeof buffer, "%02d/%02d/%04d   %02d:%02d:%02d", field(pctime::Day),
-                  field(pctime::Month), field(pctime::Year), field(pctime::Hour), field(pctime::Minute),
-                  field(pctime::Second));
+    std::snprintf(buffer, sizeof buffer, "%02d/%02d/%04d   %02d:%02d:%02d", field(pctime::Day), field(pctime::Month),
+                  field(pctime::Year), field(pctime::Hour), field(pctime::Minute), field(pctime::Second));
     text = buffer;
     return 0;
 }
@@ -371,8 +365,7 @@ int CTraceItemI::GetRawTime(std::uint32_t& time) const {
 
 // ---- setters ---------------------------------------------------------------------
 
-void CTraceItemI::SetEvent(std::uint32_t code, std::uint8_t channel, int, std::uint32_t time,
-                           std::uint8_t severity) {
+void CTraceItemI::SetEvent(std::uint32_t code, std::uint8_t channel, int, std::uint32_t time, std::uint8_t severity) {
     BeginKind(KindEvent);
     PutWord(event::Code, code);
     m_payload[event::Severity] = severity;

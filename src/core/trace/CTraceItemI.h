@@ -108,8 +108,8 @@ private:
     // False when the line holds no type code.
     bool BeginRecord(const ScanLine& line);
     // Kind 16 has no setter of its own in the interface; the fixed-column reader fills it.
-    void SetFlexFrame(std::uint32_t time, std::uint32_t identifier, std::uint8_t frameFlag,
-                      std::uint8_t channelLetter, std::uint8_t slot, std::uint8_t length, const std::uint8_t* data);
+    void SetFlexFrame(std::uint32_t time, std::uint32_t identifier, std::uint8_t frameFlag, std::uint8_t channelLetter,
+                      std::uint8_t slot, std::uint8_t length, const std::uint8_t* data);
     // Kind 16 from the fixed columns of 0038/0039 or, `withSlot`, of 0090/0091.
     void ReadFlexFrame(const ScanLine& line, bool withSlot, std::uint8_t frameFlag);
     // Clears the payload and sets the kind: every setter starts here.

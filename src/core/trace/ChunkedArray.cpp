@@ -4,23 +4,21 @@
 
 ChunkedArray::~ChunkedArray() { Clear(); }
 
-bool ChunkedArray::Append(std::uint32_t value) {
-    if (m_nextFree == ChunkEntries) {
-        if (m_chunkCount == m_tableCapacity) {
-            const std::uint32_t capacity = m_tableCapacity + TableGrowth;
-            auto* table = static_cast<std::uint32_t**>(std::realloc(m_table, capacity * sizeof(std::uint32_t*)));
-            if (table == nullptr)
-                return false;
-            m_table = table;
-            m_tableCapacity = capacity;
-        }
-        auto* chunk = static_cast<std::uint32_t*>(std::malloc(ChunkEntries * sizeof(std::uint32_t)));
-        if (chunk == nullptr)
+bool ChunkedArray::AppendToNewChunk(std::uint32_t value) {
+    if (m_chunkCount == m_tableCapacity) {
+        const std::uint32_t capacity = m_tableCapacity + TableGrowth;
+        auto* table = static_cast<std::uint32_t**>(std::realloc(m_table, capacity * sizeof(std::uint32_t*)));
+        if (table == nullptr)
             return false;
-        m_table[m_chunkCount++] = chunk;
-        m_currentChunk = chunk;
-        m_nextFree = 0;
+        m_table = table;
+        m_tableCapacity = capacity;
     }
+    auto* chunk = static_cast<std::uint32_t*>(std::malloc(ChunkEntries * sizeof(std::uint32_t)));
+    if (chunk == nullptr)
+        return false;
+    m_table[m_chunkCount++] = chunk;
+    m_currentChunk = chunk;
+    m_nextFree = 0;
     m_currentChunk[m_nextFree++] = value;
     ++m_total;
     return true;
@@ -45,24 +43,21 @@ std::size_t ChunkedArray::BytesAllocated() const {
 
 OffsetArray::~OffsetArray() { Clear(); }
 
-bool OffsetArray::Append(std::uint64_t offset) {
-    const auto high = static_cast<std::uint32_t>(offset >> 32);
-    if (high != m_currentHigh) {
-        if (m_stepCount == m_stepCapacity) {
-            const std::uint32_t capacity = m_stepCapacity + 16;
-            auto* steps = static_cast<HighStep*>(std::realloc(m_steps, capacity * sizeof(HighStep)));
-            if (steps == nullptr)
-                return false;
-            m_steps = steps;
-            m_stepCapacity = capacity;
-        }
-        if (!m_low.Append(static_cast<std::uint32_t>(offset)))
+bool OffsetArray::AppendWithNewHigh(std::uint64_t offset) {
+    if (m_stepCount == m_stepCapacity) {
+        const std::uint32_t capacity = m_stepCapacity + 16;
+        auto* steps = static_cast<HighStep*>(std::realloc(m_steps, capacity * sizeof(HighStep)));
+        if (steps == nullptr)
             return false;
-        m_steps[m_stepCount++] = HighStep{m_low.Size() - 1, high};
-        m_currentHigh = high;
-        return true;
+        m_steps = steps;
+        m_stepCapacity = capacity;
     }
-    return m_low.Append(static_cast<std::uint32_t>(offset));
+    if (!m_low.Append(static_cast<std::uint32_t>(offset)))
+        return false;
+    const auto high = static_cast<std::uint32_t>(offset >> 32);
+    m_steps[m_stepCount++] = HighStep{m_low.Size() - 1, high};
+    m_currentHigh = high;
+    return true;
 }
 
 std::uint64_t OffsetArray::Get(std::uint32_t index) const {

@@ -16,13 +16,21 @@ public:
     ChunkedArray& operator=(const ChunkedArray&) = delete;
 
     // False when a chunk or the table could not be allocated: the value is dropped.
-    bool Append(std::uint32_t value);
+    bool Append(std::uint32_t value) {
+        if (m_nextFree == ChunkEntries)
+            return AppendToNewChunk(value);
+        m_currentChunk[m_nextFree++] = value;
+        ++m_total;
+        return true;
+    }
     std::uint32_t Get(std::uint32_t index) const { return m_table[index / ChunkEntries][index % ChunkEntries]; }
     std::uint32_t Size() const { return m_total; }
     void Clear();
     std::size_t BytesAllocated() const;
 
 private:
+    bool AppendToNewChunk(std::uint32_t value);
+
     std::uint32_t m_nextFree = ChunkEntries; // next free place in the current chunk
     std::uint32_t m_chunkCount = 0;
     std::uint32_t m_tableCapacity = 0;
@@ -42,13 +50,19 @@ public:
     OffsetArray& operator=(const OffsetArray&) = delete;
 
     // Offsets must be appended in non-decreasing order.
-    bool Append(std::uint64_t offset);
+    bool Append(std::uint64_t offset) {
+        if (static_cast<std::uint32_t>(offset >> 32) != m_currentHigh)
+            return AppendWithNewHigh(offset);
+        return m_low.Append(static_cast<std::uint32_t>(offset));
+    }
     std::uint64_t Get(std::uint32_t index) const;
     std::uint32_t Size() const { return m_low.Size(); }
     void Clear();
     std::size_t BytesAllocated() const;
 
 private:
+    bool AppendWithNewHigh(std::uint64_t offset);
+
     struct HighStep {
         std::uint32_t firstIndex;
         std::uint32_t high;

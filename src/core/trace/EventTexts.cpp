@@ -81,10 +81,14 @@ const char* MessageText(std::uint32_t code) {
 
 const char* MarkText(std::uint32_t typeCode) {
     static constexpr std::array<const char*, 8> Marks = {
-        "[Start Trace Recording]",         "[Stop Trace Recording]",
-        "[Communication started]",         "[Communication stopped]",
-        "[Trace started by Trigger event]", "[Trace stopped by Trigger event]",
-        "[PC Time Stamp]",                 "[CAN Filter changed]",
+        "[Start Trace Recording]",
+        "[Stop Trace Recording]",
+        "[Communication started]",
+        "[Communication stopped]",
+        "[Trace started by Trigger event]",
+        "[Trace stopped by Trigger event]",
+        "[PC Time Stamp]",
+        "[CAN Filter changed]",
     };
     if (typeCode < 0xFF01 || typeCode > 0xFF08)
         return nullptr;
@@ -95,9 +99,8 @@ namespace {
 
 // Format bytes 0..17 in order; code 0x50080005 belongs to no format.
 constexpr std::array<std::uint32_t, 18> FormatCodes = {
-    0x50080001, 0x50080002, 0x50080003, 0x50080004, 0x50080006, 0x50080007,
-    0x50080008, 0x50080009, 0x5008000A, 0x5008000B, 0x5008000C, 0x5008000D,
-    0x5008000E, 0x5008000F, 0x50080010, 0x50080011, 0x50080012, 0x50080013,
+    0x50080001, 0x50080002, 0x50080003, 0x50080004, 0x50080006, 0x50080007, 0x50080008, 0x50080009, 0x5008000A,
+    0x5008000B, 0x5008000C, 0x5008000D, 0x5008000E, 0x5008000F, 0x50080010, 0x50080011, 0x50080012, 0x50080013,
 };
 
 } // namespace

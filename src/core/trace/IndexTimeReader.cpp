@@ -3,6 +3,7 @@
 #include "trace/NibbleTables.h"
 
 #include <climits>
+#include <cstring>
 
 namespace {
 
@@ -44,7 +45,74 @@ bool SetsIdentifierOnly(std::uint16_t type) {
            type == 0x8025 || type == 0x8026;
 }
 
+// Decimal digits only, at most 18 of them: what atol gives without overflow care.
+bool ReadPlainDecimal(const char* text, std::size_t length, std::uint32_t& value) {
+    if (length == 0 || length > 18)
+        return false;
+    std::uint64_t result = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+        const unsigned digit = static_cast<unsigned char>(text[i]) - '0';
+        if (digit > 9)
+            return false;
+        result = result * 10 + digit;
+    }
+    value = static_cast<std::uint32_t>(result);
+    return true;
+}
+
+// Eight decimal digits at `p` as a number, or false when one of them is no digit.
+bool ReadEightDigits(const char* p, std::uint64_t& value) {
+    std::uint64_t v;
+    std::memcpy(&v, p, 8);
+    const bool digits = ((v & 0xF0F0F0F0F0F0F0F0ull) == 0x3030303030303030ull) &&
+                        (((v + 0x0606060606060606ull) & 0xF0F0F0F0F0F0F0F0ull) == 0x3030303030303030ull);
+    if (!digits)
+        return false;
+    v -= 0x3030303030303030ull;
+    v = (v * 10) + (v >> 8);
+    v = (((v & 0x000000FF000000FFull) * (100 + (1000000ull << 32))) +
+         (((v >> 16) & 0x000000FF000000FFull) * (1 + (10000ull << 32)))) >>
+        32;
+    value = v;
+    return true;
+}
+
+// True when none of the eight bytes at `p` is a blank.
+bool NoBlankIn8(const char* p) {
+    std::uint64_t word;
+    std::memcpy(&word, p, 8);
+    const std::uint64_t x = word ^ 0x2020202020202020ull;
+    return ((x - 0x0101010101010101ull) & ~x & 0x8080808080808080ull) == 0;
+}
+
+// The usual layout "CC IIIIIIII TTTTTTTTTT ..." read without a general tokenizer;
+// false when the line is laid out otherwise.
+bool ReadUsualTokens(const char* text, const char* end, IndexLineFacts& facts) {
+    if (end - text < 13 || text[0] == ' ' || text[1] == ' ' || text[2] != ' ' || !NoBlankIn8(text + 3) ||
+        text[11] != ' ' || text[12] == ' ')
+        return false;
+    const char* time = text + 12;
+    facts.channelNumber = ParseChannelToken(text, 2);
+    // Ten digits, as the writers print the time, read eight at a time.
+    std::uint64_t high = 0;
+    if (end - time >= 10 && (end - time == 10 || time[10] == ' ') && ReadEightDigits(time, high) &&
+        static_cast<unsigned>(time[8] - '0') <= 9 && static_cast<unsigned>(time[9] - '0') <= 9) {
+        facts.time = static_cast<std::uint32_t>(high * 100 + static_cast<unsigned>(time[8] - '0') * 10 +
+                                                static_cast<unsigned>(time[9] - '0'));
+        return true;
+    }
+    const char* p = time;
+    while (p < end && *p != ' ')
+        ++p;
+    const std::size_t length = static_cast<std::size_t>(p - time);
+    if (!ReadPlainDecimal(time, length, facts.time))
+        facts.time = AtolTruncated(time, length);
+    return true;
+}
+
 void ReadTokens(const char* text, const char* end, IndexLineFacts& facts) {
+    if (ReadUsualTokens(text, end, facts))
+        return;
     const char* token[3] = {nullptr, nullptr, nullptr};
     std::size_t tokenLength[3] = {0, 0, 0};
     int count = 0;
@@ -63,7 +131,7 @@ void ReadTokens(const char* text, const char* end, IndexLineFacts& facts) {
     }
     if (token[0] != nullptr)
         facts.channelNumber = ParseChannelToken(token[0], tokenLength[0]);
-    if (token[2] != nullptr)
+    if (token[2] != nullptr && !ReadPlainDecimal(token[2], tokenLength[2], facts.time))
         facts.time = AtolTruncated(token[2], tokenLength[2]);
 }
 
@@ -154,8 +222,7 @@ std::uint32_t AtolTruncated(const char* text, std::size_t length) {
     return static_cast<std::uint32_t>(value);
 }
 
-IndexLineFacts ReadIndexLineFacts(const char* line, std::size_t length) {
-    IndexLineFacts facts;
+void ReadIndexLineFacts(const char* line, std::size_t length, IndexLineFacts& facts) {
     const std::uint16_t type = IndexLineType(line, length);
     const char* fields = length > 5 ? line + 5 : line + length;
     if (IsTokenTimeType(type)) {
@@ -169,5 +236,4 @@ IndexLineFacts ReadIndexLineFacts(const char* line, std::size_t length) {
     } else if (type == 0x0038 || type == 0x0039 || type == 0x0090 || type == 0x0091) {
         facts.flex = true;
     }
-    return facts;
 }

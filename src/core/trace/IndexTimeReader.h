@@ -14,8 +14,8 @@ struct IndexLineFacts {
     bool flex = false;
 };
 
-// `line` is zero-terminated at `length`.
-IndexLineFacts ReadIndexLineFacts(const char* line, std::size_t length);
+// `line` is zero-terminated at `length`. `facts` must come in default-constructed.
+void ReadIndexLineFacts(const char* line, std::size_t length, IndexLineFacts& facts);
 
 // The 16-bit type of a line, rebuilt from its first four characters by the nibble tables.
 std::uint16_t IndexLineType(const char* line, std::size_t length);

@@ -4,23 +4,9 @@
 #include "trace/CTraceItemI.h"
 #include "trace/ScanFormat.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr unsigned long FieldColumn = 5;
-
-// A declared length narrowed to the byte the setters take; the setters cap it further.
-std::uint8_t ByteLength(std::uint32_t length) {
-    return static_cast<std::uint8_t>(std::min<std::uint32_t>(length, 0xFF));
-}
-
-template <std::size_t N, std::size_t M>
-void CopyBytes(const unsigned (&values)[N], std::uint8_t (&bytes)[M]) {
-    static_assert(N <= M);
-    for (std::size_t i = 0; i < N; ++i)
-        bytes[i] = static_cast<std::uint8_t>(values[i]);
-}
 
 // Rows that hold only a time: " %08x".
 std::uint32_t TimeOnlyEvent(CTraceItemI& item, const char* fields, int reserved, std::uint32_t code,
@@ -32,8 +18,7 @@ std::uint32_t TimeOnlyEvent(CTraceItemI& item, const char* fields, int reserved,
 }
 
 // K-line bytes. The length-2 bit does not survive SetLineByte, which keeps the low byte.
-std::uint32_t LineByte(CTraceItemI& item, const char* fields, int reserved, std::uint8_t direction,
-                       bool emptyIsBlank) {
+std::uint32_t LineByte(CTraceItemI& item, const char* fields, int reserved, std::uint8_t direction, bool emptyIsBlank) {
     unsigned time = 0, length = 0, b0 = 0, b1 = 0;
     ScanFormat(fields, "%08x %04x %02x %02x", &time, &length, &b0, &b1);
     std::uint32_t value = b0;
@@ -41,7 +26,7 @@ std::uint32_t LineByte(CTraceItemI& item, const char* fields, int reserved, std:
         value = 0x20;
     if (length == 2)
         value |= 0x100;
-    item.SetLineByte(reserved, time, direction, ByteLength(length), value);
+    item.SetLineByte(reserved, time, direction, NarrowLength(length), value);
     return time;
 }
 
@@ -53,12 +38,12 @@ std::uint32_t LegacyCanFrame(CTraceItemI& item, const char* fields, int reserved
     unsigned values[8] = {};
     if (skippedWord)
         ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x", &time,
-                   &skipped, &length, &id[0], &id[1], &id[2], &id[3], &values[0], &values[1], &values[2],
-                   &values[3], &values[4], &values[5], &values[6], &values[7]);
-    else
-        ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x ", &time,
-                   &length, &id[0], &id[1], &id[2], &id[3], &values[0], &values[1], &values[2], &values[3],
+                   &skipped, &length, &id[0], &id[1], &id[2], &id[3], &values[0], &values[1], &values[2], &values[3],
                    &values[4], &values[5], &values[6], &values[7]);
+    else
+        ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x ", &time, &length,
+                   &id[0], &id[1], &id[2], &id[3], &values[0], &values[1], &values[2], &values[3], &values[4],
+                   &values[5], &values[6], &values[7]);
     if (length < 4) {
         item.SetEvent(0x50080016, 0, reserved, time, 0);
         return time;
@@ -71,7 +56,7 @@ std::uint32_t LegacyCanFrame(CTraceItemI& item, const char* fields, int reserved
         identifier &= 0x7FFFFFFFu;
     }
     std::uint8_t data[8] = {};
-    CopyBytes(values, data);
+    NarrowBytes(values, data);
     item.SetCanFrame(0, reserved, time, identifier, extended, direction, dataLength, data);
     return time;
 }
@@ -88,8 +73,8 @@ std::uint32_t CanState(CTraceItemI& item, const char* fields) {
 std::uint32_t BaudrateFormat(CTraceItemI& item, const char* fields, bool formatInLine) {
     unsigned time = 0, length = 0;
     unsigned b[6] = {};
-    ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x", &time, &length, &b[0], &b[1], &b[2], &b[3],
-               &b[4], &b[5]);
+    ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x", &time, &length, &b[0], &b[1], &b[2], &b[3], &b[4],
+               &b[5]);
     const unsigned* rate = formatInLine ? &b[1] : &b[2];
     const std::uint32_t baud = rate[0] + rate[1] * 256u + rate[2] * 65536u + rate[3] * 16777216u;
     constexpr std::uint32_t NoFormat = 0xFFFFFFFFu;
@@ -110,13 +95,13 @@ std::uint32_t PriorityFrame(CTraceItemI& item, const char* fields, int reserved,
     unsigned time = 0, length = 0, priority = 0, source = 0, destination = 0;
     unsigned values[9] = {};
     ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x  %02x %02x %02x %02x %02x %02x", &time, &length,
-               &priority, &source, &destination, &values[0], &values[1], &values[2], &values[3], &values[4],
-               &values[5], &values[6], &values[7], &values[8]);
+               &priority, &source, &destination, &values[0], &values[1], &values[2], &values[3], &values[4], &values[5],
+               &values[6], &values[7], &values[8]);
     const std::uint32_t dataLength = length < 4 ? 0 : length - 3;
     std::uint8_t data[CTraceItemI::PayloadSize] = {};
-    CopyBytes(values, data);
+    NarrowBytes(values, data);
     item.SetPriorityFrame(reserved, time, static_cast<std::uint8_t>(priority), static_cast<std::uint8_t>(source),
-                          static_cast<std::uint8_t>(destination), direction, ByteLength(dataLength), data);
+                          static_cast<std::uint8_t>(destination), direction, NarrowLength(dataLength), data);
     return time;
 }
 
@@ -126,19 +111,19 @@ std::uint32_t ByteBlockOfNine(CTraceItemI& item, const char* fields, int reserve
     ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x  %02x %02x %02x ", &time, &length, &values[0],
                &values[1], &values[2], &values[3], &values[4], &values[5], &values[6], &values[7], &values[8]);
     std::uint8_t data[CTraceItemI::PayloadSize] = {};
-    CopyBytes(values, data);
-    item.SetByteBlock(reserved, time, 1, ByteLength(length), data);
+    NarrowBytes(values, data);
+    item.SetByteBlock(reserved, time, 1, NarrowLength(length), data);
     return time;
 }
 
 std::uint32_t ByteBlockOfEight(CTraceItemI& item, const char* fields, int reserved, std::uint8_t direction) {
     unsigned time = 0, length = 0;
     unsigned values[8] = {};
-    ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x  %02x %02x", &time, &length, &values[0],
-               &values[1], &values[2], &values[3], &values[4], &values[5], &values[6], &values[7]);
+    ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x  %02x %02x", &time, &length, &values[0], &values[1],
+               &values[2], &values[3], &values[4], &values[5], &values[6], &values[7]);
     std::uint8_t data[CTraceItemI::PayloadSize] = {};
-    CopyBytes(values, data);
-    item.SetByteBlock(reserved, time, direction, ByteLength(length), data);
+    NarrowBytes(values, data);
+    item.SetByteBlock(reserved, time, direction, NarrowLength(length), data);
     return time;
 }
 
@@ -150,8 +135,8 @@ std::uint32_t ChannelEvent(CTraceItemI& item, const char* fields, int reserved, 
     char token[2] = {};
     int time = 0;
     ScanFormat(fields, "%02x %01s %010d", &channel, token, &time);
-    item.SetEvent(Codes[type - 0x4400], static_cast<std::uint8_t>(channel), reserved,
-                  static_cast<std::uint32_t>(time), 1);
+    item.SetEvent(Codes[type - 0x4400], static_cast<std::uint8_t>(channel), reserved, static_cast<std::uint32_t>(time),
+                  1);
     return static_cast<std::uint32_t>(time);
 }
 
@@ -160,13 +145,12 @@ std::uint32_t ChannelCanFrame(CTraceItemI& item, const char* fields, int reserve
     unsigned channel = 0, identifier = 0, length = 0;
     int time = 0;
     unsigned values[8] = {};
-    ScanFormat(fields, "%02x %08x %010d %04x %02x %02x %02x %02x %02x %02x %02x %02x", &channel, &identifier,
-               &time, &length, &values[0], &values[1], &values[2], &values[3], &values[4], &values[5], &values[6],
-               &values[7]);
+    ScanFormat(fields, "%02x %08x %010d %04x %02x %02x %02x %02x %02x %02x %02x %02x", &channel, &identifier, &time,
+               &length, &values[0], &values[1], &values[2], &values[3], &values[4], &values[5], &values[6], &values[7]);
     std::uint8_t data[CTraceItemI::PayloadSize] = {};
-    CopyBytes(values, data);
+    NarrowBytes(values, data);
     item.SetCanFrame(static_cast<std::uint8_t>(channel), reserved, static_cast<std::uint32_t>(time), identifier,
-                     extended, direction, ByteLength(length), data);
+                     extended, direction, NarrowLength(length), data);
     return static_cast<std::uint32_t>(time);
 }
 
@@ -182,8 +166,8 @@ void PcTimeStamp(CTraceItemI& item, const char* fields) {
         ++fields;
     int day = 0, month = 0, year = 0, hour = 0, minute = 0, second = 0;
     char separator[2] = {};
-    ScanFormat(fields, "%02d %01s %02d %01s %04d %02d %01s %02d %01s %02d", &day, separator, &month, separator,
-               &year, &hour, separator, &minute, separator, &second);
+    ScanFormat(fields, "%02d %01s %02d %01s %04d %02d %01s %02d %01s %02d", &day, separator, &month, separator, &year,
+               &hour, separator, &minute, separator, &second);
     item.SetPcTime(year, month, day, hour, minute, second);
 }
 
@@ -191,8 +175,8 @@ void FilterMark(CTraceItemI& item, const char* fields) {
     int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
     char token[2] = {};
     char name[ScanLine::MaxLength + 1] = {};
-    ScanFormat(fields, "%1s  %1s %04d %1s %02d %1s %02d %02d %1s %02d %1s %02d %s", token, token, &year, token,
-               &month, token, &day, &hour, token, &minute, token, &second, name);
+    ScanFormat(fields, "%1s  %1s %04d %1s %02d %1s %02d %02d %1s %02d %1s %02d %s", token, token, &year, token, &month,
+               token, &day, &hour, token, &minute, token, &second, name);
     item.SetMarkRecord(year, month, day, hour, minute, second, name);
 }
 
@@ -200,13 +184,13 @@ void FilterMark(CTraceItemI& item, const char* fields) {
 
 int CTraceItemI::ParseLine(const char* line, int reserved) {
     const ScanLine text(line);
-    const char* fields = text.At(FieldColumn);
-    std::uint32_t time = 0;
     if (!BeginRecord(text)) {
         SetEvent(0x20040010, 0, reserved, 0, 1);
         SetTime(0);
         return 0;
     }
+    const char* fields = text.At(FieldColumn);
+    std::uint32_t time = 0;
     CTraceItemI& item = *this;
     const std::uint16_t type = m_typeCode;
     switch (type) {
@@ -232,12 +216,20 @@ int CTraceItemI::ParseLine(const char* line, int reserved) {
     case 0x0080: time = TimeOnlyEvent(item, fields, reserved, 0x2002000A, 1); break;
     case 0x00FE: time = TimeOnlyEvent(item, fields, reserved, 0x2002000B, 1); break;
     case 0x00FF: time = TimeOnlyEvent(item, fields, reserved, 0x4002000C, 0); break;
-    case 0x4400: case 0x4401: case 0x4402: case 0x4403: case 0x4404:
-    case 0x4405: case 0x4406: case 0x4407: case 0x4408: case 0x4409:
-        time = ChannelEvent(item, fields, reserved, type);
-        break;
-    case 0x5000: case 0x6000: time = ChannelCanFrame(item, fields, reserved, 0, 1); break;
-    case 0x5800: case 0x6800: time = ChannelCanFrame(item, fields, reserved, 1, 0); break;
+    case 0x4400:
+    case 0x4401:
+    case 0x4402:
+    case 0x4403:
+    case 0x4404:
+    case 0x4405:
+    case 0x4406:
+    case 0x4407:
+    case 0x4408:
+    case 0x4409: time = ChannelEvent(item, fields, reserved, type); break;
+    case 0x5000:
+    case 0x6000: time = ChannelCanFrame(item, fields, reserved, 0, 1); break;
+    case 0x5800:
+    case 0x6800: time = ChannelCanFrame(item, fields, reserved, 1, 0); break;
     case 0x8000: time = TimeOnlyEvent(item, fields, reserved, 0x40030001, 0); break;
     case 0x8001: time = TimeOnlyEvent(item, fields, reserved, 0x40030002, 0); break;
     case 0x8002: time = LineByte(item, fields, reserved, 0, false); break;
@@ -257,9 +249,13 @@ int CTraceItemI::ParseLine(const char* line, int reserved) {
     case 0x8024: time = ByteBlockOfEight(item, fields, reserved, 1); break;
     case 0x8025: time = TimeOnlyEvent(item, fields, reserved, 0x2003000D, 0); break;
     case 0x8026: time = TimeOnlyEvent(item, fields, reserved, 0x2003000E, 0); break;
-    case 0xFF00: case 0xFF01: case 0xFF02: case 0xFF03: case 0xFF04: case 0xFF05: case 0xFF06:
-        MarkEvent(item, reserved, type);
-        break;
+    case 0xFF00:
+    case 0xFF01:
+    case 0xFF02:
+    case 0xFF03:
+    case 0xFF04:
+    case 0xFF05:
+    case 0xFF06: MarkEvent(item, reserved, type); break;
     case 0xFF07: PcTimeStamp(item, fields); break;
     case 0xFF08: FilterMark(item, fields); break;
     default: SetEvent(0x20040010, 0, reserved, 0, 1); break;

@@ -12,26 +12,13 @@ namespace {
 constexpr unsigned long FieldColumn = 5;
 constexpr unsigned long TimeColumn = 14;
 constexpr unsigned long TimeLastDigitColumn = 23;
-constexpr std::uint8_t NoSeverity = 0;
-
-std::uint8_t ByteLength(std::uint32_t length) {
-    return static_cast<std::uint8_t>(std::min<std::uint32_t>(length, 0xFF));
-}
-
-template <std::size_t N, std::size_t M>
-void CopyBytes(const unsigned (&values)[N], std::uint8_t (&bytes)[M]) {
-    static_assert(N <= M);
-    for (std::size_t i = 0; i < N; ++i)
-        bytes[i] = static_cast<std::uint8_t>(values[i]);
-}
 
 bool IsDash(const char* token) {
     return token[0] == '-' && token[1] == '\0';
 }
 
-// "Dash form": a one-character token, then either "-" (no time) or a decimal time.
-void DashFormEvent(CTraceItemI& item, const char* fields, int reserved, std::uint32_t code,
-                   std::uint8_t severity) {
+// Dash form: a one-character token, then either "-" (no time) or a decimal time.
+void DashFormEvent(CTraceItemI& item, const char* fields, int reserved, std::uint32_t code, std::uint8_t severity) {
     char first[2] = {}, second[2] = {};
     ScanFormat(fields, "%1s %1s", first, second);
     if (IsDash(second)) {
@@ -43,7 +30,7 @@ void DashFormEvent(CTraceItemI& item, const char* fields, int reserved, std::uin
     item.SetEvent(code, 0, reserved, static_cast<std::uint32_t>(time), severity);
 }
 
-// "Column time": the time stands at column 14, ten digits wide. It is stored only when the
+// Column time: the time stands at column 14, ten digits wide. It is stored only when the
 // column's last digit is present, so a cut-off time does not pass for a complete one.
 struct ColumnTime {
     std::uint32_t time;
@@ -56,8 +43,8 @@ ColumnTime ReadColumnTime(const ScanLine& line) {
     return {static_cast<std::uint32_t>(value), last >= '0' && last <= '9'};
 }
 
-void ColumnTimeEvent(CTraceItemI& item, const ScanLine& line, int reserved, std::uint32_t code,
-                     std::uint8_t severity, bool timed) {
+void ColumnTimeEvent(CTraceItemI& item, const ScanLine& line, int reserved, std::uint32_t code, std::uint8_t severity,
+                     bool timed) {
     const ColumnTime column = ReadColumnTime(line);
     if (timed)
         item.SetEvent(code, 0, reserved, column.time, severity);
@@ -68,8 +55,7 @@ void ColumnTimeEvent(CTraceItemI& item, const ScanLine& line, int reserved, std:
 }
 
 // 440B and 440D scan their own time field for the event, then follow the column rule.
-void ScannedTimeEvent(CTraceItemI& item, const ScanLine& line, int reserved, std::uint32_t code,
-                      bool withIdentifier) {
+void ScannedTimeEvent(CTraceItemI& item, const ScanLine& line, int reserved, std::uint32_t code, bool withIdentifier) {
     unsigned long time = 0;
     if (withIdentifier) {
         unsigned identifier = 0;
@@ -88,7 +74,7 @@ void LineByte(CTraceItemI& item, const char* fields, int reserved, std::uint8_t 
     int time = 0;
     unsigned length = 0, b0 = 0, b1 = 0;
     ScanFormat(fields, "%1s %d %04x %02x %02x", token, &time, &length, &b0, &b1);
-    item.SetLineByte(reserved, static_cast<std::uint32_t>(time), direction, ByteLength(length), b1 * 256 + b0);
+    item.SetLineByte(reserved, static_cast<std::uint32_t>(time), direction, NarrowLength(length), b1 * 256 + b0);
 }
 
 // K-line baud rate: "-" ahead of rate and format, or a time.
@@ -129,14 +115,14 @@ void PriorityFrame(CTraceItemI& item, const char* fields, int reserved, std::uin
     ScanFormat(fields,
                "%s %d %04x %04x %04x %04x %02x %02x %02x  %02x %02x %02x %02x %02x  %02x %02x %02x %02x %02x  "
                "%02x %02x %02x %02x %02x %02x",
-               token, &time, &priority, &source, &destination, &length, &values[0], &values[1], &values[2], &values[3], &values[4], &values[5], &values[6], &values[7], &values[8],
-               &values[9], &values[10], &values[11], &values[12], &values[13], &values[14], &values[15], &values[16],
-               &values[17], &values[18]);
+               token, &time, &priority, &source, &destination, &length, &values[0], &values[1], &values[2], &values[3],
+               &values[4], &values[5], &values[6], &values[7], &values[8], &values[9], &values[10], &values[11],
+               &values[12], &values[13], &values[14], &values[15], &values[16], &values[17], &values[18]);
     std::uint8_t data[CTraceItemI::PayloadSize] = {};
-    CopyBytes(values, data);
+    NarrowBytes(values, data);
     item.SetPriorityFrame(reserved, static_cast<std::uint32_t>(time), static_cast<std::uint8_t>(priority),
                           static_cast<std::uint8_t>(source), static_cast<std::uint8_t>(destination), direction,
-                          ByteLength(length), data);
+                          NarrowLength(length), data);
 }
 
 void AddressedFrame(CTraceItemI& item, const char* fields, int reserved, std::uint8_t direction) {
@@ -147,18 +133,17 @@ void AddressedFrame(CTraceItemI& item, const char* fields, int reserved, std::ui
     ScanFormat(fields,
                "%s %d %04x %04x %04x %02x %02x %02x  %02x %02x %02x %02x %02x  %02x %02x %02x %02x %02x  "
                "%02x %02x %02x %02x %02x %02x",
-               token, &time, &source, &destination, &length, &values[0], &values[1], &values[2], &values[3], &values[4], &values[5], &values[6], &values[7], &values[8],
-               &values[9], &values[10], &values[11], &values[12], &values[13], &values[14], &values[15], &values[16],
-               &values[17], &values[18]);
+               token, &time, &source, &destination, &length, &values[0], &values[1], &values[2], &values[3], &values[4],
+               &values[5], &values[6], &values[7], &values[8], &values[9], &values[10], &values[11], &values[12],
+               &values[13], &values[14], &values[15], &values[16], &values[17], &values[18]);
     // Room for all 19 read bytes; the frame keeps the first 17.
     std::uint8_t data[19] = {};
-    CopyBytes(values, data);
-    item.SetAddressedFrame(reserved, static_cast<std::uint32_t>(time), source & 0xFF, destination & 0xFF,
-                           direction, ByteLength(length), data);
+    NarrowBytes(values, data);
+    item.SetAddressedFrame(reserved, static_cast<std::uint32_t>(time), source & 0xFF, destination & 0xFF, direction,
+                           NarrowLength(length), data);
 }
 
-void CanFrame(CTraceItemI& item, const char* fields, int reserved, std::uint8_t extended,
-              std::uint8_t direction) {
+void CanFrame(CTraceItemI& item, const char* fields, int reserved, std::uint8_t extended, std::uint8_t direction) {
     unsigned identifier = 0;
     unsigned long time = 0;
     int length = 0;
@@ -166,9 +151,9 @@ void CanFrame(CTraceItemI& item, const char* fields, int reserved, std::uint8_t 
     ScanFormat(fields, " %8X %10lu %04d  %02x %02x %02x %02x %02x %02x %02x %02x", &identifier, &time, &length,
                &values[0], &values[1], &values[2], &values[3], &values[4], &values[5], &values[6], &values[7]);
     std::uint8_t data[CTraceItemI::PayloadSize] = {};
-    CopyBytes(values, data);
+    NarrowBytes(values, data);
     item.SetCanFrame(0, reserved, static_cast<std::uint32_t>(time), identifier, extended, direction,
-                     ByteLength(static_cast<std::uint32_t>(length)), data);
+                     NarrowLength(static_cast<std::uint32_t>(length)), data);
 }
 
 void PcTimeStamp(CTraceItemI& item, const char* fields, bool withName) {
@@ -288,11 +273,15 @@ int CTraceItemI::ParseLineV701(const char* line, int reserved) {
     case 0x8004: SetEventUntimed(0x00030003, 1); break;
     case 0x8005: SetEventUntimed(0x00030004, 1); break;
     case 0x800E: SetEventUntimed(0x20030006, 1); break;
-    case 0x8020: SetEventUntimed(0x20030009, NoSeverity); break;
-    case 0x8021: SetEventUntimed(0x0003000A, NoSeverity); break;
-    case 0xFF01: case 0xFF02: case 0xFF03: case 0xFF04: case 0xFF05: case 0xFF06: case 0xFF07:
-        PcTimeStamp(item, fields, false);
-        break;
+    case 0x8020: SetEventUntimed(0x20030009, 0); break;
+    case 0x8021: SetEventUntimed(0x0003000A, 0); break;
+    case 0xFF01:
+    case 0xFF02:
+    case 0xFF03:
+    case 0xFF04:
+    case 0xFF05:
+    case 0xFF06:
+    case 0xFF07: PcTimeStamp(item, fields, false); break;
     case 0xFF08: PcTimeStamp(item, fields, true); break;
     default: SetEvent(0x20040010, 0, reserved, 0, 1); break;
     }

@@ -101,8 +101,7 @@ unsigned long UnsignedValue(const Digits& d) {
 
 class Scanner {
 public:
-    Scanner(const char* input, va_list& args)
-        : m_start(reinterpret_cast<Cursor>(input)), m_in(m_start), m_args(args) {}
+    Scanner(const char* input, va_list& args) : m_start(reinterpret_cast<Cursor>(input)), m_in(m_start), m_args(args) {}
 
     int Run(const char* format);
 
@@ -172,16 +171,12 @@ int Scanner::Run(const char* format) {
 
 Step Scanner::Convert(char conversion, const Conversion& spec) {
     switch (conversion) {
-    case 's':
-        return ConvertString(spec);
+    case 's': return ConvertString(spec);
     case 'd':
     case 'u':
     case 'x':
-    case 'X':
-        return ConvertInteger(conversion, spec);
-    case 'n':
-        StoreCount(spec);
-        return Step::Done;
+    case 'X': return ConvertInteger(conversion, spec);
+    case 'n': StoreCount(spec); return Step::Done;
     case '%':
         if (*m_in == '\0')
             return Step::InputFailure;
@@ -189,8 +184,7 @@ Step Scanner::Convert(char conversion, const Conversion& spec) {
             return Step::MatchingFailure;
         ++m_in;
         return Step::Done;
-    default:
-        return Step::MatchingFailure;
+    default: return Step::MatchingFailure;
     }
 }
 

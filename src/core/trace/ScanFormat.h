@@ -1,6 +1,8 @@
 #pragma once
 
 #include <climits>
+#include <cstddef>
+#include <cstdint>
 
 // A fast replacement for sscanf that gives the same results for the conversions the
 // classic readers use: %d %u %x %X (with l and widths), %s with a width, literal
@@ -61,3 +63,16 @@ struct ScanLine {
         return column < length ? static_cast<unsigned char>(text[column]) : 0;
     }
 };
+
+// A declared length narrowed to a byte without wrapping: 0x100 stays large, not 0.
+inline std::uint8_t NarrowLength(std::uint32_t length) {
+    return static_cast<std::uint8_t>(length < 0xFF ? length : 0xFF);
+}
+
+// Bytes scanned with %02x into unsigned ints, stored as the bytes a record keeps.
+template <std::size_t N, std::size_t M>
+void NarrowBytes(const unsigned (&values)[N], std::uint8_t (&bytes)[M]) {
+    static_assert(N <= M, "the byte array must hold every scanned value");
+    for (std::size_t i = 0; i < N; ++i)
+        bytes[i] = static_cast<std::uint8_t>(values[i]);
+}

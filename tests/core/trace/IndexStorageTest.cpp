@@ -101,7 +101,11 @@ TEST(IndexTimeReader, ChannelTokensKeepTheirArithmetic) {
 }
 
 TEST(IndexTimeReader, ReadsTimesByType) {
-    auto facts = [](const char* line) { return ReadIndexLineFacts(line, std::strlen(line)); };
+    auto facts = [](const char* line) {
+        IndexLineFacts read;
+        ReadIndexLineFacts(line, std::strlen(line), read);
+        return read;
+    };
     EXPECT_EQ(facts("0000 000000FF").time, 0xFFu);
     EXPECT_EQ(facts("0000 00000100 trailing").time, 0x100u);
     EXPECT_EQ(facts("00FF 00000100").time, 0u);

@@ -1,0 +1,408 @@
+// Benchmarks of the classic index pass and of `zdt-cli rows`, as ratios within one run:
+//   1. index pass speed >= 1/4 of `wc -l` on the same file, both from the page cache;
+//   2. peak and resident memory of a process that only opens the trace
+//      <= 50 MB + 20 bytes per record;
+//   3. `zdt-cli rows FILE > /dev/null` speed >= 1/10 of the index pass speed;
+//   4. (--big) a trace above 4 GiB: record count and the last record read back.
+// The traces and their summaries come from `zdt-gen classic ... --summary` (see
+// run_classic_bench.sh). Exit status 1 when a figure misses its target, 2 on usage errors.
+
+#include "trace/CTraceFile.h"
+#include "trace/CTraceItemI.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <spawn.h>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+extern char** environ;
+
+namespace {
+
+constexpr double kMegabyte = 1024.0 * 1024.0;
+constexpr double kIndexToWcTarget = 0.25;
+constexpr double kRowsToIndexTarget = 0.10;
+constexpr double kMemoryBaseBytes = 50.0 * kMegabyte;
+constexpr double kMemoryBytesPerRecord = 20.0;
+
+using Clock = std::chrono::steady_clock;
+
+double SecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+struct Summary {
+    std::uint64_t records = 0;
+    std::uint64_t bytes = 0;
+    std::uint64_t lastOffset = 0;
+    std::string lastLine;
+};
+
+std::string FromHex(const std::string& hex) {
+    std::string bytes;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
+        bytes.push_back(static_cast<char>(std::stoul(hex.substr(i, 2), nullptr, 16)));
+    return bytes;
+}
+
+bool ReadSummary(const std::string& path, Summary& summary) {
+    std::ifstream in(path);
+    std::map<std::string, std::string> values;
+    for (std::string line; std::getline(in, line);) {
+        const auto equals = line.find('=');
+        if (equals != std::string::npos)
+            values[line.substr(0, equals)] = line.substr(equals + 1);
+    }
+    if (!values.count("records") || !values.count("last_offset") || !values.count("last_line_hex"))
+        return false;
+    summary.records = std::stoull(values["records"]);
+    summary.bytes = std::stoull(values["bytes"]);
+    summary.lastOffset = std::stoull(values["last_offset"]);
+    summary.lastLine = FromHex(values["last_line_hex"]);
+    return true;
+}
+
+// Tracks PASS/FAIL of every checked figure.
+class Verdicts {
+public:
+    void Ratio(const std::string& name, double value, double target) {
+        Report(name, value >= target, "ratio " + Format(value, 3) + " (target >= " + Format(target, 2) + ")");
+    }
+    void Check(const std::string& name, bool ok, const std::string& detail) { Report(name, ok, detail); }
+    bool AllPassed() const { return m_failures == 0; }
+    static std::string Format(double value, int decimals) {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.*f", decimals, value);
+        return text;
+    }
+
+private:
+    void Report(const std::string& name, bool ok, const std::string& detail) {
+        std::cout << (ok ? "PASS  " : "FAIL  ") << name << ": " << detail << "\n";
+        m_failures += ok ? 0 : 1;
+    }
+    int m_failures = 0;
+};
+
+// Reads the whole file once so that every timed run starts from the page cache.
+std::uint64_t WarmPageCache(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDONLY);
+    if (fd < 0)
+        return 0;
+    std::vector<char> buffer(4 << 20);
+    std::uint64_t total = 0;
+    for (ssize_t n; (n = ::read(fd, buffer.data(), buffer.size())) > 0;)
+        total += static_cast<std::uint64_t>(n);
+    ::close(fd);
+    return total;
+}
+
+struct ChildRun {
+    double seconds = 0;
+    int exitCode = -1;
+    std::string output;
+};
+
+// Runs a program with standard output to /dev/null, or captured when `capture` is set.
+ChildRun RunProgram(const std::vector<std::string>& argv, bool capture) {
+    ChildRun run;
+    int pipeFds[2] = {-1, -1};
+    if (capture && ::pipe(pipeFds) != 0)
+        return run;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    if (capture) {
+        posix_spawn_file_actions_adddup2(&actions, pipeFds[1], STDOUT_FILENO);
+        posix_spawn_file_actions_addclose(&actions, pipeFds[0]);
+        posix_spawn_file_actions_addclose(&actions, pipeFds[1]);
+    } else {
+        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    }
+    std::vector<char*> args;
+    for (const auto& arg : argv)
+        args.push_back(const_cast<char*>(arg.c_str()));
+    args.push_back(nullptr);
+    const auto start = Clock::now();
+    pid_t pid = 0;
+    const int spawned = posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (capture) {
+        ::close(pipeFds[1]);
+        char buffer[4096];
+        for (ssize_t n; spawned == 0 && (n = ::read(pipeFds[0], buffer, sizeof buffer)) > 0;)
+            run.output.append(buffer, static_cast<std::size_t>(n));
+        ::close(pipeFds[0]);
+    }
+    if (spawned != 0)
+        return run;
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    run.seconds = SecondsSince(start);
+    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return run;
+}
+
+// Best (shortest) time of `runs` runs; false as soon as one run fails.
+template <typename Timed>
+bool BestOf(int runs, double& best, Timed timed) {
+    best = 0;
+    for (int i = 0; i < runs; ++i) {
+        double seconds = 0;
+        if (!timed(seconds))
+            return false;
+        best = i == 0 ? seconds : std::min(best, seconds);
+    }
+    return true;
+}
+
+std::string Speed(double bytes, double seconds) {
+    return Verdicts::Format(bytes / kMegabyte, 1) + " MB in " + Verdicts::Format(seconds, 3) + " s = " +
+           Verdicts::Format(bytes / kMegabyte / seconds, 1) + " MB/s";
+}
+
+// ---- the child that only opens ------------------------------------------------------------
+
+long StatusKilobytes(const char* key) {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.rfind(key, 0) == 0)
+            return std::atol(line.c_str() + std::strlen(key));
+    return -1;
+}
+
+int OpenOnly(const std::string& path) {
+    CTraceFile trace;
+    if (!trace.OpenTrace(path))
+        return 1;
+    std::cout << "hwm_kb=" << StatusKilobytes("VmHWM:") << "\n"
+              << "rss_kb=" << StatusKilobytes("VmRSS:") << "\n"
+              << "index_bytes=" << trace.IndexBytes() << "\n"
+              << "records=" << trace.TotalCount() << "\n";
+    return 0;
+}
+
+std::map<std::string, long long> ParseKeyValues(const std::string& text) {
+    std::map<std::string, long long> values;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        const auto equals = line.find('=');
+        if (equals != std::string::npos)
+            values[line.substr(0, equals)] = std::atoll(line.c_str() + equals + 1);
+    }
+    return values;
+}
+
+// ---- the benchmarks -----------------------------------------------------------------------
+
+struct Options {
+    std::string trace;
+    std::string summary;
+    std::string cli;
+    std::string bigTrace;
+    std::string bigSummary;
+    int runs = 3;
+};
+
+double MeasureWc(const Options& o, double bytes, Verdicts& verdicts) {
+    double best = 0;
+    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
+        const ChildRun run = RunProgram({"wc", "-l", o.trace}, false);
+        seconds = run.seconds;
+        return run.exitCode == 0;
+    });
+    if (!ok) {
+        verdicts.Check("wc -l", false, "could not run wc -l");
+        return 0;
+    }
+    std::cout << "wc -l:         " << Speed(bytes, best) << " (best of " << o.runs << ")\n";
+    return bytes / best;
+}
+
+double MeasureIndexPass(const Options& o, const Summary& summary, double bytes, Verdicts& verdicts) {
+    std::uint32_t count = 0;
+    std::size_t indexBytes = 0;
+    double best = 0;
+    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
+        auto trace = std::make_unique<CTraceFile>();
+        const auto start = Clock::now();
+        const bool opened = trace->OpenTrace(o.trace);
+        seconds = SecondsSince(start);
+        count = trace->TotalCount();
+        indexBytes = trace->IndexBytes();
+        return opened;
+    });
+    verdicts.Check("index pass opens the trace", ok, ok ? "OpenTrace true" : "OpenTrace false");
+    if (!ok)
+        return 0;
+    std::cout << "index pass:    " << Speed(bytes, best) << " (best of " << o.runs << "), " << count
+              << " records, IndexBytes " << Verdicts::Format(static_cast<double>(indexBytes) / kMegabyte, 1)
+              << " MB\n";
+    verdicts.Check("index pass record count", count == summary.records,
+                   std::to_string(count) + " indexed, " + std::to_string(summary.records) + " written");
+    return bytes / best;
+}
+
+void MeasureMemory(const Options& o, const Summary& summary, Verdicts& verdicts) {
+    const ChildRun run = RunProgram({"/proc/self/exe", "--open-only", o.trace}, true);
+    const auto values = ParseKeyValues(run.output);
+    if (run.exitCode != 0 || !values.count("hwm_kb")) {
+        verdicts.Check("memory", false, "the open-only child failed (exit " + std::to_string(run.exitCode) + ")");
+        return;
+    }
+    const double budget = kMemoryBaseBytes + kMemoryBytesPerRecord * static_cast<double>(summary.records);
+    const double peak = static_cast<double>(values.at("hwm_kb")) * 1024.0;
+    const double resident = static_cast<double>(values.at("rss_kb")) * 1024.0;
+    const std::string limit = " MB (target <= " + Verdicts::Format(budget / kMegabyte, 1) + " MB)";
+    std::cout << "open-only process: IndexBytes "
+              << Verdicts::Format(static_cast<double>(values.at("index_bytes")) / kMegabyte, 1) << " MB, "
+              << values.at("records") << " records\n";
+    verdicts.Check("peak memory during the index pass (VmHWM)", peak <= budget,
+                   Verdicts::Format(peak / kMegabyte, 1) + limit);
+    verdicts.Check("memory after the index pass (VmRSS)", resident <= budget,
+                   Verdicts::Format(resident / kMegabyte, 1) + limit);
+}
+
+double MeasureRows(const Options& o, double bytes, Verdicts& verdicts) {
+    double best = 0;
+    int exitCode = 0;
+    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
+        const ChildRun run = RunProgram({o.cli, "rows", o.trace}, false);
+        seconds = run.seconds;
+        exitCode = run.exitCode;
+        return run.exitCode == 0;
+    });
+    if (!ok) {
+        verdicts.Check("zdt-cli rows", false, "exit status " + std::to_string(exitCode));
+        return 0;
+    }
+    std::cout << "zdt-cli rows:  " << Speed(bytes, best) << " (best of " << o.runs << ")\n";
+    return bytes / best;
+}
+
+// Every field a row shows, as text, to compare two records.
+std::string Describe(const CTraceItemI& item) {
+    std::ostringstream text;
+    std::uint8_t kind = 0, channel = 0, extended = 0, length = 0;
+    std::uint32_t time = 0, code = 0, identifier = 0;
+    item.GetKind(kind);
+    item.GetRawTime(time);
+    item.GetChannel(channel);
+    text << "type " << item.GetTypeCode() << " kind " << int(kind) << " time " << time << " channel " << int(channel);
+    if (item.IsEvent() && item.GetEventCode(code) == 0)
+        text << " code " << code;
+    if (item.HasIdentifier() && item.GetIdentifier(identifier) == 0 && item.GetExtendedFlag(extended) == 0)
+        text << " id " << identifier << " ext " << int(extended);
+    const std::uint8_t* data = nullptr;
+    if (item.HasData() && item.GetDataLength(length) == 0 && item.GetData(data) == 0 && data != nullptr)
+        for (int i = 0; i < length; ++i)
+            text << " " << int(data[i]);
+    return text.str();
+}
+
+void CheckBeyond4GiB(const Options& o, Verdicts& verdicts) {
+    Summary summary;
+    if (!ReadSummary(o.bigSummary, summary)) {
+        verdicts.Check("beyond 4 GiB", false, "cannot read " + o.bigSummary);
+        return;
+    }
+    verdicts.Check("file beyond 4 GiB", summary.bytes > (1ull << 32), std::to_string(summary.bytes) + " bytes");
+    const auto start = Clock::now();
+    CTraceFile trace;
+    if (!trace.OpenTrace(o.bigTrace)) {
+        verdicts.Check("beyond 4 GiB", false, "OpenTrace false");
+        return;
+    }
+    const double seconds = SecondsSince(start);
+    std::cout << "index pass beyond 4 GiB: " << Speed(static_cast<double>(summary.bytes), seconds) << "\n";
+    verdicts.Check("record count beyond 4 GiB", trace.TotalCount() == summary.records,
+                   std::to_string(trace.TotalCount()) + " indexed, " + std::to_string(summary.records) + " written");
+    if (trace.TotalCount() == 0)
+        return;
+    const std::uint32_t last = trace.TotalCount() - 1;
+    const std::uint64_t offset = trace.VisibleOffsets().Get(last);
+    verdicts.Check("offset of the last record", offset == summary.lastOffset,
+                   std::to_string(offset) + ", written at " + std::to_string(summary.lastOffset));
+    char line[CTraceFile::MaxRecordLine + 1] = {};
+    const std::string expected = summary.lastLine.substr(0, CTraceFile::MaxRecordLine);
+    const bool lineRead = trace.ReadRecordLine(offset, line);
+    verdicts.Check("last record line read back", lineRead && expected == line, "\"" + std::string(line) + "\"");
+    CTraceItemI reference;
+    if (trace.UsesLegacyReader())
+        reference.ParseLine(expected.c_str(), 1);
+    else
+        reference.ParseLineV701(expected.c_str(), 1);
+    CTraceItemI* item = trace.GetItem(last);
+    const std::string got = item != nullptr ? Describe(*item) : std::string("no record");
+    trace.ReleaseItem(item);
+    verdicts.Check("last record by GetItem", got == Describe(reference), got);
+}
+
+int Usage() {
+    std::cerr << "usage: bench_classic --trace FILE --summary FILE --cli ZDT_CLI [--runs N]\n"
+                 "                     [--big FILE --big-summary FILE]\n"
+                 "       bench_classic --open-only FILE\n";
+    return 2;
+}
+
+bool ParseOptions(int argc, char** argv, Options& o) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (i + 1 >= argc)
+            return false;
+        const std::string value = argv[++i];
+        if (arg == "--trace") o.trace = value;
+        else if (arg == "--summary") o.summary = value;
+        else if (arg == "--cli") o.cli = value;
+        else if (arg == "--big") o.bigTrace = value;
+        else if (arg == "--big-summary") o.bigSummary = value;
+        else if (arg == "--runs") o.runs = std::max(1, std::atoi(value.c_str()));
+        else return false;
+    }
+    return !o.trace.empty() && !o.summary.empty() && !o.cli.empty() && o.bigTrace.empty() == o.bigSummary.empty();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 3 && std::strcmp(argv[1], "--open-only") == 0)
+        return OpenOnly(argv[2]);
+    Options o;
+    if (!ParseOptions(argc, argv, o))
+        return Usage();
+    Summary summary;
+    if (!ReadSummary(o.summary, summary)) {
+        std::cerr << "bench_classic: cannot read " << o.summary << "\n";
+        return 2;
+    }
+    const double bytes = static_cast<double>(WarmPageCache(o.trace));
+    std::cout << "trace: " << o.trace << ", " << Verdicts::Format(bytes / kMegabyte, 1) << " MB, "
+              << summary.records << " records, " << Verdicts::Format(bytes / summary.records, 1)
+              << " bytes a line\n";
+    Verdicts verdicts;
+    const double wcSpeed = MeasureWc(o, bytes, verdicts);
+    const double indexSpeed = MeasureIndexPass(o, summary, bytes, verdicts);
+    if (wcSpeed > 0 && indexSpeed > 0)
+        verdicts.Ratio("index pass / wc -l speed", indexSpeed / wcSpeed, kIndexToWcTarget);
+    MeasureMemory(o, summary, verdicts);
+    const double rowsSpeed = MeasureRows(o, bytes, verdicts);
+    if (rowsSpeed > 0 && indexSpeed > 0)
+        verdicts.Ratio("zdt-cli rows / index pass speed", rowsSpeed / indexSpeed, kRowsToIndexTarget);
+    if (!o.bigTrace.empty()) {
+        WarmPageCache(o.bigTrace);
+        CheckBeyond4GiB(o, verdicts);
+    }
+    std::cout << (verdicts.AllPassed() ? "all targets met\n" : "some targets missed\n");
+    return verdicts.AllPassed() ? 0 : 1;
+}
