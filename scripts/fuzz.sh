@@ -23,5 +23,6 @@ for target in fuzz_classic_lines fuzz_classic_open; do
         done
     fi
     echo "== $target for ${seconds}s"
-    "$root/build-fuzz/fuzz/$target" -max_total_time="$seconds" -max_len=65536 "$corpus"
+    "$root/build-fuzz/fuzz/$target" -max_total_time="$seconds" -max_len=65536 \
+        -artifact_prefix="$root/fuzz/" "$corpus"
 done

@@ -1,6 +1,6 @@
 #include "trace/CTraceFile.h"
 
-#include "trace/IndexTimeReader.h"
+#include "trace/RecordLineWalker.h"
 #include "trace/NibbleTables.h"
 
 #include <algorithm>
@@ -9,6 +9,8 @@
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
+#include <system_error>
+#include <thread>
 #include <strings.h>
 #include <unistd.h>
 
@@ -18,9 +20,10 @@ constexpr const char* kNoValidTrace = "No valid ZDT - Trace File";
 constexpr const char* kInvalidVersion = "Invalid Version of Trace File";
 constexpr int kMaxHeadLines = 200;
 constexpr std::size_t kRecordBlockSize = 64 * 1024;
-// Small enough to stay in the cache between the copy from the kernel and the scan.
-constexpr std::size_t kIndexBlockSize = 256 * 1024;
-constexpr std::uint64_t kProgressStep = 16 * 1024 * 1024;
+// The index pass splits the file into blocks of this size, each walked by two threads;
+// smaller files are walked by one.
+constexpr std::uint64_t kIndexSuperBlock = 16 * 1024 * 1024;
+constexpr std::uint64_t kIndexParallelMinimum = 1024 * 1024;
 
 bool StartsWith(const char* line, const char* prefix) { return std::strncmp(line, prefix, std::strlen(prefix)) == 0; }
 
@@ -176,56 +179,61 @@ void CTraceFile::ResetIndex() {
     m_channelDeltas.Clear();
 }
 
-// The record walk reads big blocks instead of the line window, but keeps its rules:
-// a line is found only when its carriage return lies within one window of its start,
-// and the walk ends at the first line that is not found.
+// The walk after [TraceData] runs in blocks of the file on two threads: the second
+// starts at a guessed line start in the middle of a block, and its lines count only when
+// the first walk arrives exactly there. Running times are then added in file order.
 bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress) {
     const std::uint64_t fileLength = FileLength();
     const std::size_t window = WindowSize();
-    std::unique_ptr<char[]> block(new char[kIndexBlockSize + window + 1]);
-    std::uint64_t blockOffset = offset;
-    std::size_t blockBytes = 0;
-    std::uint64_t nextProgress = offset + kProgressStep;
+    const RecordLineWalker::ReadAt readAt = [this](std::uint64_t at, char* into, std::size_t count) {
+        return ReadAt(at, into, count);
+    };
+    RecordLineWalker firstWalker(readAt, fileLength, window, m_schemaNumber);
+    RecordLineWalker secondWalker(readAt, fileLength, window, m_schemaNumber);
+    std::vector<ScannedRecord> first, second;
 
     while (offset < fileLength) {
-        std::size_t start = static_cast<std::size_t>(offset - blockOffset);
-        if (offset < blockOffset || start + window > blockBytes) {
-            // Refill so that at least one window past the line start is in the block.
-            if (offset >= blockOffset && start < blockBytes) {
-                std::memmove(block.get(), block.get() + start, blockBytes - start);
-                blockBytes -= start;
-            } else {
-                blockBytes = 0;
+        const std::uint64_t end = std::min(fileLength, offset + kIndexSuperBlock);
+        std::uint64_t split = end;
+        if (end - offset >= kIndexParallelMinimum)
+            split = LineStartAfter(readAt, offset + (end - offset) / 2, window);
+        first.clear();
+        second.clear();
+        RecordLineWalker::Result secondResult;
+        std::thread worker;
+        if (split > offset && split < end) {
+            try {
+                worker = std::thread([&] { secondResult = secondWalker.Walk(split, end, second); });
+            } catch (const std::system_error&) {
+                split = end;
             }
-            blockOffset = offset;
-            blockBytes += ReadAt(offset + blockBytes, block.get() + blockBytes, kIndexBlockSize + window - blockBytes);
-            start = 0;
-            if (blockBytes == 0)
-                break;
+        } else {
+            split = end;
         }
-        const std::size_t scan = std::min<std::size_t>(window, blockBytes - start);
-        char* line = block.get() + start;
-        auto* cr = static_cast<char*>(std::memchr(line, '\r', scan));
-        if (cr == nullptr)
+        const RecordLineWalker::Result firstResult = firstWalker.Walk(offset, split, first);
+        if (worker.joinable())
+            worker.join();
+
+        AbsorbRecords(first);
+        RecordLineWalker::Result result = firstResult;
+        const bool secondCounts = split < end && firstResult.stop == RecordLineWalker::Stop::ReachedLimit &&
+                                  firstResult.next == split;
+        if (secondCounts) {
+            AbsorbRecords(second);
+            result = secondResult;
+        }
+        offset = result.next;
+        if (result.stop == RecordLineWalker::Stop::EndOfLines)
             break;
-        const std::size_t length = static_cast<std::size_t>(cr - line);
-        if (length >= 17 && std::memcmp(line, "[AnalyzerHistory]", 17) == 0) {
-            offset += length + 2;
+        if (result.stop == RecordLineWalker::Stop::HistorySection) {
+            if (GetLine(offset) == nullptr)
+                break;
+            offset = LineEndOffset() + 2;
             m_hasHistory = ReadHistory(offset) ? 1 : 0;
-            blockBytes = 0; // the history reader moved the window; start the block anew
-            blockOffset = offset;
-            continue;
         }
-        *cr = '\0';
-        IndexRecord(offset, line, length);
-        *cr = '\r';
-        offset += length + 2;
-        if (progress != nullptr && offset >= nextProgress) {
-            nextProgress = offset + kProgressStep;
-            if (!progress->onProgress(offset, fileLength)) {
-                m_cancelled = true;
-                return false;
-            }
+        if (progress != nullptr && !progress->onProgress(offset, fileLength)) {
+            m_cancelled = true;
+            return false;
         }
     }
     if (progress != nullptr)
@@ -233,49 +241,37 @@ bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress)
     return true;
 }
 
-void CTraceFile::IndexRecord(std::uint64_t offset, const char* line, std::size_t length) {
-    const std::uint8_t leading = nibble::Value(static_cast<unsigned char>(line[0]));
-    int lineClass;
-    if (leading == 0)
-        lineClass = 1;
-    else if (leading >= 4 && leading <= 7)
-        lineClass = 3;
-    else if (leading == 8)
-        lineClass = 2;
-    else if (leading == 15)
-        lineClass = 0;
-    else
-        return;
-    m_visibleOffsets.Append(offset);
-    m_allOffsets.Append(offset);
-    if (lineClass == 1)
-        m_seenClass0 = 1;
-    else if (lineClass == 2)
-        m_seenClass8 = 1;
-    else if (lineClass == 3)
-        m_seenClass4 = 1;
-    if (lineClass == 3 && m_schemaNumber >= 701) {
-        m_seenChannel = 1;
-        m_seenIdentifier = 1;
-    } else {
-        TimePass(line, length);
+void CTraceFile::AbsorbRecords(const std::vector<ScannedRecord>& records) {
+    for (const ScannedRecord& record : records) {
+        m_visibleOffsets.Append(record.offset);
+        m_allOffsets.Append(record.offset);
+        if (record.lineClass == 1)
+            m_seenClass0 = 1;
+        else if (record.lineClass == 2)
+            m_seenClass8 = 1;
+        else if (record.lineClass == 3)
+            m_seenClass4 = 1;
+        if (record.skipsTimePass) {
+            m_seenChannel = 1;
+            m_seenIdentifier = 1;
+        } else {
+            TimePass(record);
+        }
+        ++m_visibleCount;
     }
-    ++m_visibleCount;
 }
 
-void CTraceFile::TimePass(const char* line, std::size_t length) {
-    IndexLineFacts facts;
-    ReadIndexLineFacts(line, length, facts);
-    if (facts.channel)
+void CTraceFile::TimePass(const ScannedRecord& record) {
+    if (record.facts & FactChannel)
         m_seenChannel = 1;
-    if (facts.identifier)
+    if (record.facts & FactIdentifier)
         m_seenIdentifier = 1;
-    if (facts.sourceDestinationPriority)
+    if (record.facts & FactSourceDestinationPriority)
         m_seenSource = m_seenDestination = m_seenPriority = 1;
-    if (facts.flex)
+    if (record.facts & FactFlex)
         m_seenFlexIdentifier = m_seenFlexChannel = m_seenFlexSlot = 1;
 
-    const std::uint32_t time = facts.time;
+    const std::uint32_t time = record.time;
     if (time != 0) {
         if (!m_deltaTimes) {
             m_absoluteTime = time;
@@ -290,7 +286,7 @@ void CTraceFile::TimePass(const char* line, std::size_t length) {
     m_deltaTimesArray.Append(m_deltaTime);
     m_deltaTime = 0;
     if (m_isOtherTrace)
-        m_channelDeltas.Append(m_channelTimes.Exchange(facts.channelNumber, m_absoluteTime));
+        m_channelDeltas.Append(m_channelTimes.Exchange(record.channel, m_absoluteTime));
 }
 
 bool CTraceFile::ReadRecordLine(std::uint64_t offset, char* line) {

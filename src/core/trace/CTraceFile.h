@@ -5,9 +5,11 @@
 #include "trace/CTraceItemI.h"
 #include "trace/ChannelTimes.h"
 #include "trace/ChunkedArray.h"
+#include "trace/RecordLineWalker.h"
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 // A classic trace: its head, an index of record offsets and times, and records
 // fetched one at a time on demand. Only the index lives in memory.
@@ -87,8 +89,8 @@ private:
     bool ReadHistory(std::uint64_t& offset);
     void StoreHeadValue(const std::string& key, const std::string& value, bool& schemaOk);
     bool IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress);
-    void IndexRecord(std::uint64_t offset, const char* line, std::size_t length);
-    void TimePass(const char* line, std::size_t length);
+    void AbsorbRecords(const std::vector<ScannedRecord>& records);
+    void TimePass(const ScannedRecord& record);
     void ResetIndex();
 
     std::string m_fileName;

@@ -107,7 +107,7 @@ void CTraceItemI::Reset() {
 bool CTraceItemI::BeginRecord(const ScanLine& line) {
     Reset();
     unsigned typeCode = 0;
-    if (ScanFormat(line.text, "%04X", &typeCode) != 1)
+    if (!ScanHexValue(line.text, 4, typeCode))
         return false;
     m_typeCode = static_cast<std::uint16_t>(typeCode);
     m_typeFull = m_typeCode;

@@ -143,7 +143,8 @@ std::uint16_t IndexLineType(const char* line, std::size_t length) {
 }
 
 int ParseChannelToken(const char* token, std::size_t length) {
-    int value = 0;
+    // A long token wraps around as the 32-bit arithmetic of the writers did.
+    std::uint32_t value = 0;
     int digit = 0;
     for (std::size_t i = 0; i < length; ++i) {
         const char c = token[i];
@@ -153,9 +154,9 @@ int ParseChannelToken(const char* token, std::size_t length) {
             digit = c - 'A' + 10;
         else if (c >= 'a' && c <= 'f')
             digit = c - 0x6B;
-        value = value * 16 + digit;
+        value = value * 16u + static_cast<std::uint32_t>(digit);
     }
-    return value;
+    return static_cast<int>(value);
 }
 
 std::uint32_t ScanHexField(const char* text, int width) {

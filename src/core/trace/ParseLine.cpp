@@ -174,7 +174,8 @@ void PcTimeStamp(CTraceItemI& item, const char* fields) {
 void FilterMark(CTraceItemI& item, const char* fields) {
     int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
     char token[2] = {};
-    char name[ScanLine::MaxLength + 1] = {};
+    char name[ScanLine::MaxLength + 1];
+    name[0] = '\0';
     ScanFormat(fields, "%1s  %1s %04d %1s %02d %1s %02d %02d %1s %02d %1s %02d %s", token, token, &year, token, &month,
                token, &day, &hour, token, &minute, token, &second, name);
     item.SetMarkRecord(year, month, day, hour, minute, second, name);

@@ -108,7 +108,7 @@ void Baudrate(CTraceItemI& item, const char* fields, int reserved) {
 }
 
 void PriorityFrame(CTraceItemI& item, const char* fields, int reserved, std::uint8_t direction) {
-    char token[ScanLine::MaxLength + 1] = {};
+    char token[ScanLine::MaxLength + 1];
     int time = 0;
     unsigned priority = 0, source = 0, destination = 0, length = 0;
     unsigned values[19] = {};
@@ -126,7 +126,7 @@ void PriorityFrame(CTraceItemI& item, const char* fields, int reserved, std::uin
 }
 
 void AddressedFrame(CTraceItemI& item, const char* fields, int reserved, std::uint8_t direction) {
-    char token[ScanLine::MaxLength + 1] = {};
+    char token[ScanLine::MaxLength + 1];
     int time = 0;
     unsigned source = 0, destination = 0, length = 0;
     unsigned values[19] = {};
@@ -159,7 +159,8 @@ void CanFrame(CTraceItemI& item, const char* fields, int reserved, std::uint8_t 
 void PcTimeStamp(CTraceItemI& item, const char* fields, bool withName) {
     int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
     char token[2] = {};
-    char name[ScanLine::MaxLength + 1] = {};
+    char name[ScanLine::MaxLength + 1];
+    name[0] = '\0';
     if (withName) {
         ScanFormat(fields, "%1s  %1s %04d %1s %02d %1s %02d %02d %1s %02d %1s %02d %s", token, token, &year, token,
                    &month, token, &day, &hour, token, &minute, token, &second, name);

@@ -71,14 +71,27 @@ Step ReadDigits(Cursor& in, int width, Digits& digits) {
         }
     }
     unsigned long magnitude = 0;
-    for (unsigned digit = Digit.value[*in]; width != 0 && digit < Base; digit = Digit.value[*in]) {
-        // Past the limit the digits are still consumed, and the value saturates.
-        if (__builtin_mul_overflow(magnitude, Base, &magnitude) || __builtin_add_overflow(magnitude, digit, &magnitude))
-            digits.overflow = true;
-        any = true;
-        ++in;
-        if (width > 0)
+    // The readers' fields are at most 10 digits wide: too few to overflow, so the common
+    // case runs without the overflow test.
+    constexpr int SafeDigits = Base == 16 ? 16 : 19;
+    if (width > 0 && width <= SafeDigits) {
+        for (unsigned digit = Digit.value[*in]; width != 0 && digit < Base; digit = Digit.value[*in]) {
+            magnitude = magnitude * Base + digit;
+            any = true;
+            ++in;
             --width;
+        }
+    } else {
+        for (unsigned digit = Digit.value[*in]; width != 0 && digit < Base; digit = Digit.value[*in]) {
+            // Past the limit the digits are still consumed, and the value saturates.
+            if (__builtin_mul_overflow(magnitude, Base, &magnitude) ||
+                __builtin_add_overflow(magnitude, digit, &magnitude))
+                digits.overflow = true;
+            any = true;
+            ++in;
+            if (width > 0)
+                --width;
+        }
     }
     digits.magnitude = magnitude;
     return any ? Step::Done : Step::MatchingFailure;
@@ -242,6 +255,15 @@ void Scanner::StoreCount(const Conversion& spec) {
 }
 
 } // namespace
+
+bool ScanHexValue(const char* input, int width, unsigned& value) {
+    Cursor in = SkipBlanks(reinterpret_cast<Cursor>(input));
+    Digits digits;
+    if (ReadDigits<16>(in, width > 0 ? width : -1, digits) != Step::Done)
+        return false;
+    value = static_cast<unsigned>(UnsignedValue(digits));
+    return true;
+}
 
 int ScanFormat(const char* input, const char* format, ...) {
     va_list args;

@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 // A fast replacement for sscanf that gives the same results for the conversions the
 // classic readers use: %d %u %x %X (with l and widths), %s with a width, literal
@@ -12,6 +13,10 @@
 // %n (int*) and %% are understood as well; any other conversion stops the scan as a
 // matching failure would.
 int ScanFormat(const char* input, const char* format, ...);
+
+// ScanFormat(input, "%<width>X", &value) == 1 without the walk over a format: the type
+// code of every record is read this way. A width of 0 means no limit.
+bool ScanHexValue(const char* input, int width, unsigned& value);
 
 // What atol gives in the C locale (leading white space, a sign, decimal digits,
 // saturating at the limits of long), without the locale lookups of the library call.
@@ -45,12 +50,9 @@ struct ScanLine {
     char text[MaxLength + 1];
     unsigned long length;
 
-    explicit ScanLine(const char* line) : length(0) {
-        if (line != nullptr)
-            while (length < MaxLength && line[length] != '\0') {
-                text[length] = line[length];
-                ++length;
-            }
+    explicit ScanLine(const char* line) : length(line != nullptr ? strnlen(line, MaxLength) : 0) {
+        if (length > 0)
+            std::memcpy(text, line, length);
         text[length] = '\0';
     }
     ScanLine(const ScanLine&) = delete;

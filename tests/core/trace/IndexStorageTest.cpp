@@ -98,6 +98,7 @@ TEST(IndexTimeReader, ChannelTokensKeepTheirArithmetic) {
     EXPECT_EQ(ParseChannelToken("0f", 2), -5);
     EXPECT_EQ(ParseChannelToken("1x", 2), 17); // a non-digit repeats the digit before it
     EXPECT_EQ(ParseChannelToken("", 0), 0);
+    EXPECT_EQ(ParseChannelToken("18DAF1101", 9), static_cast<int>(0x8DAF1101u)); // wraps, as 32 bits do
 }
 
 TEST(IndexTimeReader, ReadsTimesByType) {

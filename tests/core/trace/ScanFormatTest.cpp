@@ -207,6 +207,20 @@ TEST(ScanFormat, MatchesTheLibraryOnGeneratedLinesForEveryReaderFormat) {
     }
 }
 
+TEST(ScanHexValue, ReadsWhatAOneFieldHexFormatReads) {
+    InputGenerator generate(7);
+    for (int round = 0; round < 20000; ++round) {
+        const std::string input = round % 2 ? generate.Noise(12) : generate.Shaped("%04X tail");
+        for (int width : {0, 4, 8}) {
+            const std::string format = width ? "%0" + std::to_string(width) + "X" : "%X";
+            unsigned expected = 0xA5A5A5A5, value = 0xA5A5A5A5;
+            const bool converted = std::sscanf(input.c_str(), format.c_str(), &expected) == 1;
+            ASSERT_EQ(ScanHexValue(input.c_str(), width, value), converted) << Describe(input) << " " << format;
+            ASSERT_EQ(value, expected) << Describe(input) << " " << format;
+        }
+    }
+}
+
 TEST(ScanFormat, MatchesTheLibraryOnTheEdgesOfIntegerFields) {
     const char* const inputs[] = {
         "",
