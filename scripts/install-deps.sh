@@ -3,7 +3,8 @@
 # when something is missing, so that a machine that has them needs no network.
 set -euo pipefail
 
-packages=(cmake ninja-build g++ make pkg-config libgtest-dev libgmock-dev libexpat1-dev)
+packages=(cmake ninja-build g++ make pkg-config libgtest-dev libgmock-dev libexpat1-dev
+          qt6-base-dev qt6-base-dev-tools libgl-dev fonts-dejavu-core)
 if [ "${ZDT_WITH_FUZZ:-0}" = "1" ]; then
     packages+=(clang libclang-rt-14-dev)
 fi
