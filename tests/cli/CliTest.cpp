@@ -1,3 +1,6 @@
+#include "ClassicTraceGenerator.h"
+#include "classic/CAnalyzerDoc.h"
+#include "classic/ClassicRowFormatter.h"
 #include "support/ClassicTraces.h"
 
 #include <gtest/gtest.h>
@@ -51,6 +54,33 @@ TEST(CliRows, PrintsEveryColumnTabSeparated) {
     const CliRun diagnostic = Cli(dir, {"rows", "--time=inter-byte", "--baud", "9600", dir.Write("d.trc", Diagnostic601())});
     EXPECT_EQ(diagnostic.out, "1\t \t3,055\t\t\t\t\t\t83\t\n2\tA\t11,247\t\t\t\t\t\tF1\t\n"
                               "3\tA\t10,000\t\t\t\t\t\tReceived corrupted byte\t\n");
+}
+
+// Rows are formatted in blocks on two threads; the output must be the rows in order.
+TEST(CliRows, LongTracesComeOutInRowOrder) {
+    TempDir dir;
+    for (const char* schema : {"601", "701"}) {
+        zdtgen::ClassicTraceOptions options;
+        options.schema = schema;
+        options.records = 100000;
+        options.seed = 11;
+        const std::string trace = dir.Write("long.trc", zdtgen::MakeClassicTrace(options));
+        CAnalyzerDoc doc;
+        ASSERT_TRUE(doc.OnOpenDocument(trace));
+        ClassicRowFormatter formatter(doc);
+        std::string expected;
+        for (std::uint32_t row = 0; row < doc.GetVisibleCount(); ++row) {
+            const ClassicRow formatted = formatter.Format(row);
+            expected += std::to_string(row + 1) + "\t" + formatted.mark;
+            for (const auto& column : formatted.columns)
+                expected += "\t" + column;
+            expected += "\n";
+        }
+        EXPECT_GT(doc.GetVisibleCount(), 70000u);
+        const CliRun run = Cli(dir, {"rows", trace});
+        ASSERT_EQ(run.status, 0);
+        EXPECT_TRUE(run.out == expected) << schema;
+    }
 }
 
 TEST(CliRows, ACanFilterChangesTheRowsButNeverTheTrace) {

@@ -2,6 +2,7 @@
 
 #include "classic/CAnalyzerDoc.h"
 #include "classic/ClassicRowFormatter.h"
+#include "trace/RecordReader.h"
 
 #include <cctype>
 #include <cstdio>
@@ -54,12 +55,13 @@ std::string ReportHead(const CAnalyzerDoc& doc, int edition) {
 }
 
 std::string ClassicReportFormatter::FormatLine(std::uint32_t row) {
-    std::unique_ptr<CTraceItemI> item(m_doc.GetItem(row));
-    if (!item) {
+    CTraceItemI item;
+    RecordReader* reader = m_reader.Get();
+    if (reader == nullptr || !reader->ReadItem(row, item)) {
         m_previousTimed.Reset();
         return {};
     }
-    const CTraceItem& record = *item;
+    const CTraceItem& record = item;
     std::string line;
 
     // Time, with the alarm mark in front when alarms are on.
@@ -67,7 +69,7 @@ std::string ClassicReportFormatter::FormatLine(std::uint32_t row) {
     bool alarm = false;
     if (record.HasTime()) {
         if (m_doc.SchemaNumber() == 701) {
-            timeText = FormatV701Time(m_doc, row, record, m_previousTimed);
+            timeText = FormatV701Time(m_doc, *reader, row, record, m_previousTimed);
         } else {
             const RowTime time = ComputeRowTime(m_doc, row, record, TimeUse::Report);
             alarm = time.alarm;

@@ -17,12 +17,13 @@ std::string ReportHead(const CAnalyzerDoc& doc, int edition);
 // text lines up. Each line ends with a line feed.
 class ClassicReportFormatter {
 public:
-    explicit ClassicReportFormatter(CAnalyzerDoc& doc) : m_doc(doc) {}
+    explicit ClassicReportFormatter(CAnalyzerDoc& doc) : m_doc(doc), m_reader(doc) {}
     // Empty when the record cannot be read.
     std::string FormatLine(std::uint32_t row);
 
 private:
     CAnalyzerDoc& m_doc;
+    DocumentRecordReader m_reader;
     PreviousTimedRecordFinder m_previousTimed;
 };
 

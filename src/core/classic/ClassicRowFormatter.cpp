@@ -2,6 +2,7 @@
 
 #include "classic/CAnalyzerDoc.h"
 #include "classic/TextFormat.h"
+#include "trace/RecordReader.h"
 
 #include <cctype>
 #include <cstdio>
@@ -85,7 +86,7 @@ void ClassicRowFormatter::TimeCell(std::uint32_t row, const CTraceItem& item, st
     if (!item.HasTime())
         return;
     if (m_doc.SchemaNumber() == 701) {
-        cell = FormatV701Time(m_doc, row, item, m_previousTimed);
+        cell = FormatV701Time(m_doc, *m_reader.Get(), row, item, m_previousTimed);
         return;
     }
     const RowTime time = ComputeRowTime(m_doc, row, item, TimeUse::Screen);
@@ -154,9 +155,8 @@ void ClassicRowFormatter::Format(std::uint32_t row, ClassicRow& out, long long s
     out.foreground = 0x000000;
     out.background = 0xFFFFFF;
     CTraceItemI item;
-    const bool read = m_doc.ReadItem(row, item);
-    if (m_doc.NeedsHeaderUpdate())
-        m_doc.ClearHeaderUpdate();
+    RecordReader* reader = m_reader.Get();
+    const bool read = reader != nullptr && reader->ReadItem(row, item);
     if (!read) {
         m_previousTimed.Reset();
         return;

@@ -46,7 +46,9 @@ void AppendDataBytesText(std::string& text, const CTraceItem& item);
 // Builds rows from freshly read records; keeps nothing of a row but the 701 time cache.
 class ClassicRowFormatter {
 public:
-    explicit ClassicRowFormatter(CAnalyzerDoc& doc) : m_doc(doc) {}
+    // Each formatter reads through a reader of its own: formatters on several threads
+    // may format rows of one document at once.
+    explicit ClassicRowFormatter(CAnalyzerDoc& doc) : m_doc(doc), m_reader(doc) {}
     // `selectedRow` < 0: no selection.
     ClassicRow Format(std::uint32_t row, long long selectedRow = -1);
     // The same into `out`, reusing its strings: for callers that format rows by the million.
@@ -58,5 +60,6 @@ private:
     void TimeCell(std::uint32_t row, const CTraceItem& item, std::string& cell, bool& alarm);
 
     CAnalyzerDoc& m_doc;
+    DocumentRecordReader m_reader;
     PreviousTimedRecordFinder m_previousTimed;
 };

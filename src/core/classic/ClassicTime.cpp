@@ -1,6 +1,7 @@
 #include "classic/ClassicTime.h"
 
 #include "classic/CAnalyzerDoc.h"
+#include "trace/RecordReader.h"
 
 #include <cstdio>
 #include <memory>
@@ -77,7 +78,7 @@ RowTime ComputeRowTime(const CAnalyzerDoc& doc, std::uint32_t row, const CTraceI
     return result;
 }
 
-bool PreviousTimedRecordFinder::Find(CAnalyzerDoc& doc, std::uint32_t row, std::uint32_t& time) {
+bool PreviousTimedRecordFinder::Find(RecordReader& reader, std::uint32_t row, std::uint32_t& time) {
     std::uint32_t from = row;
     bool found = false;
     std::uint32_t foundTime = 0;
@@ -89,7 +90,7 @@ bool PreviousTimedRecordFinder::Find(CAnalyzerDoc& doc, std::uint32_t row, std::
         if (row >= 2) {
             CTraceItemI above;
             std::uint32_t aboveTime = 0;
-            if (doc.ReadItem(row - 1, above) && above.HasTime()) {
+            if (reader.ReadItem(row - 1, above) && above.HasTime()) {
                 above.GetTime(aboveTime);
                 found = true;
                 foundTime = aboveTime;
@@ -98,7 +99,7 @@ bool PreviousTimedRecordFinder::Find(CAnalyzerDoc& doc, std::uint32_t row, std::
     } else {
         for (std::uint32_t r = from; r-- > 1;) {
             CTraceItemI item;
-            if (doc.ReadItem(r, item) && item.HasTime()) {
+            if (reader.ReadItem(r, item) && item.HasTime()) {
                 item.GetTime(foundTime);
                 found = true;
                 break;
@@ -114,14 +115,25 @@ bool PreviousTimedRecordFinder::Find(CAnalyzerDoc& doc, std::uint32_t row, std::
     return found;
 }
 
-std::string FormatV701Time(CAnalyzerDoc& doc, std::uint32_t row, const CTraceItem& item,
+std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, std::uint32_t row, const CTraceItem& item,
                            PreviousTimedRecordFinder& finder) {
     std::uint32_t time = 0;
     item.GetTime(time);
     if (doc.GetTimeMode() == TimeMode::Absolute)
         return FormatTime(time, 3);
     std::uint32_t previous = 0;
-    if (!finder.Find(doc, row, previous))
+    if (!finder.Find(reader, row, previous))
         return "--";
     return FormatTime(time - previous - doc.BaseTime(), 3);
+}
+
+DocumentRecordReader::~DocumentRecordReader() = default;
+
+RecordReader* DocumentRecordReader::Get() {
+    const CTraceFile* file = m_doc.TraceFile();
+    if (file == nullptr)
+        return nullptr;
+    if (!m_reader || &m_reader->File() != file)
+        m_reader = std::make_unique<RecordReader>(*file);
+    return m_reader.get();
 }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 class CAnalyzerDoc;
 class CTraceItem;
+class RecordReader;
 
 // "1.234,567": the value with `digits` decimals behind a comma and a dot before each
 // group of three integer digits, whatever the locale.
@@ -31,7 +33,7 @@ RowTime ComputeRowTime(const CAnalyzerDoc& doc, std::uint32_t row, const CTraceI
 class PreviousTimedRecordFinder {
 public:
     // True and the time when a timed record stands in rows [1, row).
-    bool Find(CAnalyzerDoc& doc, std::uint32_t row, std::uint32_t& time);
+    bool Find(RecordReader& reader, std::uint32_t row, std::uint32_t& time);
     void Reset() { m_valid = false; }
 
 private:
@@ -42,5 +44,19 @@ private:
 };
 
 // The time cell of a schema 701 row that has a time.
-std::string FormatV701Time(CAnalyzerDoc& doc, std::uint32_t row, const CTraceItem& item,
+std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, std::uint32_t row, const CTraceItem& item,
                            PreviousTimedRecordFinder& finder);
+
+// A reader of the document's current file for one formatter; a document that read its
+// file anew (the filter turned off) gets a new reader.
+class DocumentRecordReader {
+public:
+    explicit DocumentRecordReader(const CAnalyzerDoc& doc) : m_doc(doc) {}
+    ~DocumentRecordReader();
+    // Null while the document has no file.
+    RecordReader* Get();
+
+private:
+    const CAnalyzerDoc& m_doc;
+    std::unique_ptr<RecordReader> m_reader;
+};

@@ -28,9 +28,11 @@ public:
     std::uint64_t LineEndOffset() const;
     std::uint32_t WindowSize() const { return m_bufferSize; }
 
-protected:
     // Positioned raw read, past the window: the number of bytes read, 0 on failure.
+    // It moves no file position, so several threads may read at once.
     std::size_t ReadAt(std::uint64_t offset, char* into, std::size_t count) const;
+
+protected:
     int Descriptor() const { return m_fd; }
     char* EnsureScratch(std::uint32_t size);
 

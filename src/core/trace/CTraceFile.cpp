@@ -19,7 +19,6 @@ namespace {
 constexpr const char* kNoValidTrace = "No valid ZDT - Trace File";
 constexpr const char* kInvalidVersion = "Invalid Version of Trace File";
 constexpr int kMaxHeadLines = 200;
-constexpr std::size_t kRecordBlockSize = 64 * 1024;
 // The index pass splits the file into blocks of this size, each walked by two threads;
 // smaller files are walked by one.
 constexpr std::uint64_t kIndexSuperBlock = 16 * 1024 * 1024;
@@ -43,18 +42,15 @@ std::string NameBehindLastSeparator(const std::string& path) {
 
 } // namespace
 
-CTraceFile::CTraceFile() = default;
+CTraceFile::CTraceFile() : m_reader(*this) {}
 
-CTraceFile::~CTraceFile() {
-    CloseTrace();
-    std::free(m_recordBlock);
-}
+CTraceFile::~CTraceFile() { CloseTrace(); }
 
 bool CTraceFile::OpenTrace(const std::string& path, zdt::MessageSink* messages, zdt::ProgressSink* progress) {
     m_fileName = path;
     m_hasHistory = 0;
     m_cancelled = false;
-    m_recordBlockBytes = 0;
+    m_reader.Reset();
     if (!Open(path))
         return false;
     std::uint64_t offset = 0;
@@ -289,45 +285,9 @@ void CTraceFile::TimePass(const ScannedRecord& record) {
         m_channelDeltas.Append(m_channelTimes.Exchange(record.channel, m_absoluteTime));
 }
 
-bool CTraceFile::ReadRecordLine(std::uint64_t offset, char* line) {
-    if (!IsOpen())
-        return false;
-    if (m_recordBlock == nullptr) {
-        m_recordBlock = static_cast<char*>(std::malloc(kRecordBlockSize));
-        if (m_recordBlock == nullptr)
-            return false;
-    }
-    const std::uint64_t blockEnd = m_recordBlockOffset + m_recordBlockBytes;
-    const bool cached = offset >= m_recordBlockOffset && offset < blockEnd &&
-                        (offset + MaxRecordLine <= blockEnd || m_recordBlockBytes < kRecordBlockSize);
-    if (!cached) {
-        m_recordBlockOffset = offset;
-        m_recordBlockBytes = ReadAt(offset, m_recordBlock, kRecordBlockSize);
-        if (m_recordBlockBytes == 0)
-            return false;
-    }
-    const char* source = m_recordBlock + (offset - m_recordBlockOffset);
-    const std::size_t available =
-        std::min<std::size_t>(MaxRecordLine, m_recordBlockBytes - static_cast<std::size_t>(offset - m_recordBlockOffset));
-    const auto* cr = static_cast<const char*>(std::memchr(source, '\r', available));
-    const std::size_t length = cr != nullptr ? static_cast<std::size_t>(cr - source) : available;
-    std::memcpy(line, source, length);
-    line[length] = '\0';
-    return true;
-}
+bool CTraceFile::ReadRecordLine(std::uint64_t offset, char* line) { return m_reader.ReadLine(offset, line); }
 
-bool CTraceFile::ReadItem(std::uint32_t index, CTraceItemI& item) {
-    if (index >= m_visibleCount || index >= m_visibleOffsets.Size())
-        return false;
-    char line[MaxRecordLine + 1];
-    if (!ReadRecordLine(m_visibleOffsets.Get(index), line))
-        return false;
-    if (m_legacyReader)
-        item.ParseLine(line, 1);
-    else
-        item.ParseLineV701(line, 1);
-    return true;
-}
+bool CTraceFile::ReadItem(std::uint32_t index, CTraceItemI& item) { return m_reader.ReadItem(index, item); }
 
 CTraceItemI* CTraceFile::GetItem(std::uint32_t index) {
     auto item = std::make_unique<CTraceItemI>();
@@ -338,7 +298,7 @@ void CTraceFile::ReleaseItem(CTraceItem* item) { delete item; }
 
 void CTraceFile::CloseTrace() {
     Close();
-    m_recordBlockBytes = 0;
+    m_reader.Reset();
     m_visibleOffsets.Clear();
     m_allOffsets.Clear();
     m_absoluteTimes.Clear();

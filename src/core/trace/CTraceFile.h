@@ -6,6 +6,7 @@
 #include "trace/ChannelTimes.h"
 #include "trace/ChunkedArray.h"
 #include "trace/RecordLineWalker.h"
+#include "trace/RecordReader.h"
 
 #include <cstdint>
 #include <string>
@@ -74,6 +75,7 @@ public:
     // The index. The document's filter pass rewrites the visible offsets and the times.
     OffsetArray& VisibleOffsets() { return m_visibleOffsets; }
     const OffsetArray& AllOffsets() const { return m_allOffsets; }
+    const OffsetArray& VisibleOffsets() const { return m_visibleOffsets; }
     ChunkedArray& AbsoluteTimes() { return m_absoluteTimes; }
     ChunkedArray& DeltaTimes() { return m_deltaTimesArray; }
     ChunkedArray& ChannelDeltas() { return m_channelDeltas; }
@@ -135,8 +137,6 @@ private:
     ChunkedArray m_deltaTimesArray;
     ChunkedArray m_channelDeltas;
 
-    // Block cache for record reads, so that rows read in order cost one read per block.
-    char* m_recordBlock = nullptr;
-    std::uint64_t m_recordBlockOffset = 0;
-    std::size_t m_recordBlockBytes = 0;
+    // The reader of GetItem and ReadItem, for the thread that owns the document.
+    RecordReader m_reader;
 };

@@ -2,59 +2,58 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
+
+// One walk over the format with the input cursor, the count and the arguments in locals:
+// the readers call this for every row shown, so it keeps no state behind pointers that the
+// stores into the caller's variables could alias.
 
 namespace {
 
 using Cursor = const unsigned char*;
 
-// White space as the C locale defines it; the scanner of the library uses the same set.
-inline bool IsBlank(unsigned c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
+constexpr unsigned char NotDigit = 0xFF;
+
+// Digit values (base 16, either case) and white space as the C locale defines it, which is
+// what the library's scanner uses; tables keep the inner loops free of class tests.
+constexpr struct CharTable {
+    unsigned char digit[256];
+    bool blank[256];
+    constexpr CharTable() : digit(), blank() {
+        for (unsigned c = 0; c < 256; ++c) {
+            digit[c] = NotDigit;
+            blank[c] = c == ' ' || (c >= '\t' && c <= '\r');
+        }
+        for (unsigned c = '0'; c <= '9'; ++c)
+            digit[c] = static_cast<unsigned char>(c - '0');
+        for (unsigned c = 'a'; c <= 'f'; ++c)
+            digit[c] = digit[c - 'a' + 'A'] = static_cast<unsigned char>(c - 'a' + 10);
+    }
+} Chars;
 
 inline Cursor SkipBlanks(Cursor p) {
-    while (IsBlank(*p))
+    while (Chars.blank[*p])
         ++p;
     return p;
 }
 
-// Digit values of base 16, 0xFF for a character that is no digit; a table keeps the
-// inner loop free of branches on the character class.
-constexpr struct DigitTable {
-    unsigned char value[256];
-    constexpr DigitTable() : value() {
-        for (unsigned c = 0; c < 256; ++c)
-            value[c] = 0xFF;
-        for (unsigned c = '0'; c <= '9'; ++c)
-            value[c] = static_cast<unsigned char>(c - '0');
-        for (unsigned c = 'a'; c <= 'f'; ++c)
-            value[c] = value[c - 'a' + 'A'] = static_cast<unsigned char>(c - 'a' + 10);
-    }
-} Digit;
-
-enum class Step { Done, InputFailure, MatchingFailure };
-
-struct Conversion {
-    int width = -1; // -1: no limit
-    bool suppress = false;
-    bool isLong = false;
-};
+enum class Field { Read, NoInput, NoMatch };
 
 // The digits of an integer field: sign, magnitude and whether it exceeded unsigned long.
-struct Digits {
+struct Integer {
     unsigned long magnitude = 0;
     bool negative = false;
     bool overflow = false;
 };
 
-// Consumes an integer field exactly as the library's scanner does: the width counts the
-// sign and a 0x prefix, and "0x" is taken as a prefix even when no digit follows it.
+// Consumes an integer field exactly as the library's scanner does: the width (-1 for none)
+// counts the sign and a 0x prefix, and "0x" is taken as a prefix even when no digit follows.
 template <unsigned Base>
-Step ReadDigits(Cursor& in, int width, Digits& digits) {
+inline Field ReadInteger(Cursor& in, int width, Integer& n) {
     if (*in == '\0')
-        return Step::InputFailure;
+        return Field::NoInput;
     if (*in == '-' || *in == '+') {
-        digits.negative = *in++ == '-';
+        n.negative = *in++ == '-';
         if (width > 0)
             --width;
     }
@@ -71,205 +70,244 @@ Step ReadDigits(Cursor& in, int width, Digits& digits) {
         }
     }
     unsigned long magnitude = 0;
-    // The readers' fields are at most 10 digits wide: too few to overflow, so the common
+    // The readers' fields are at most ten digits wide, too few to overflow, so the common
     // case runs without the overflow test.
     constexpr int SafeDigits = Base == 16 ? 16 : 19;
     if (width > 0 && width <= SafeDigits) {
-        for (unsigned digit = Digit.value[*in]; width != 0 && digit < Base; digit = Digit.value[*in]) {
+        for (unsigned digit = Chars.digit[*in]; width != 0 && digit < Base; digit = Chars.digit[*in]) {
             magnitude = magnitude * Base + digit;
             any = true;
             ++in;
             --width;
         }
     } else {
-        for (unsigned digit = Digit.value[*in]; width != 0 && digit < Base; digit = Digit.value[*in]) {
+        for (unsigned digit = Chars.digit[*in]; width != 0 && digit < Base; digit = Chars.digit[*in]) {
             // Past the limit the digits are still consumed, and the value saturates.
             if (__builtin_mul_overflow(magnitude, Base, &magnitude) ||
                 __builtin_add_overflow(magnitude, digit, &magnitude))
-                digits.overflow = true;
+                n.overflow = true;
             any = true;
             ++in;
             if (width > 0)
                 --width;
         }
     }
-    digits.magnitude = magnitude;
-    return any ? Step::Done : Step::MatchingFailure;
+    n.magnitude = magnitude;
+    return any ? Field::Read : Field::NoMatch;
+}
+
+// The field of "%02x" when it starts with a digit, as ReadInteger<16> with width 2 reads it:
+// a "0x" is a prefix and gives 0. False when the general path must decide (sign, no digit).
+inline bool ReadTwoHexDigits(Cursor& in, unsigned& value) {
+    const unsigned high = Chars.digit[in[0]];
+    if (high >= 16)
+        return false;
+    const unsigned low = Chars.digit[in[1]];
+    if (low < 16) {
+        value = high * 16 + low;
+        in += 2;
+    } else if (in[0] == '0' && (in[1] == 'x' || in[1] == 'X')) {
+        value = 0;
+        in += 2;
+    } else {
+        value = high;
+        in += 1;
+    }
+    return true;
 }
 
 // strtol's result for the digits: saturated at the limits of long.
-long SignedValue(const Digits& d) {
-    const unsigned long limit = d.negative ? static_cast<unsigned long>(LONG_MAX) + 1 : LONG_MAX;
-    if (d.overflow || d.magnitude > limit)
-        return d.negative ? LONG_MIN : LONG_MAX;
-    return static_cast<long>(d.negative ? 0UL - d.magnitude : d.magnitude);
+inline long SignedValue(const Integer& n) {
+    const unsigned long limit = n.negative ? static_cast<unsigned long>(LONG_MAX) + 1 : LONG_MAX;
+    if (n.overflow || n.magnitude > limit)
+        return n.negative ? LONG_MIN : LONG_MAX;
+    return static_cast<long>(n.negative ? 0UL - n.magnitude : n.magnitude);
 }
 
 // strtoul's result for the digits: a negative value wraps, an overflow saturates.
-unsigned long UnsignedValue(const Digits& d) {
-    if (d.overflow)
+inline unsigned long UnsignedValue(const Integer& n) {
+    if (n.overflow)
         return ULONG_MAX;
-    return d.negative ? 0UL - d.magnitude : d.magnitude;
+    return n.negative ? 0UL - n.magnitude : n.magnitude;
 }
 
-class Scanner {
-public:
-    Scanner(const char* input, va_list& args) : m_start(reinterpret_cast<Cursor>(input)), m_in(m_start), m_args(args) {}
+// Stores an integer as the conversion's argument type; narrowing keeps the low bits, as the
+// library's store into a shorter type does.
+inline void StoreInteger(unsigned conversion, bool isLong, const Integer& n, va_list& args) {
+    if (conversion == 'd') {
+        const long value = SignedValue(n);
+        if (isLong)
+            *va_arg(args, long*) = value;
+        else
+            *va_arg(args, int*) = static_cast<int>(value);
+    } else {
+        const unsigned long value = UnsignedValue(n);
+        if (isLong)
+            *va_arg(args, unsigned long*) = value;
+        else
+            *va_arg(args, unsigned*) = static_cast<unsigned>(value);
+    }
+}
 
-    int Run(const char* format);
+// %s: at least one character, up to the width or the next blank.
+inline void ReadString(Cursor& in, int width, char* out) {
+    while (*in != '\0' && !Chars.blank[*in]) {
+        if (out != nullptr)
+            *out++ = static_cast<char>(*in);
+        ++in;
+        if (width > 0 && --width == 0)
+            break;
+    }
+    if (out != nullptr)
+        *out = '\0';
+}
 
-private:
-    int InputFailure() const { return m_done == 0 ? EOF : m_done; }
-    Step Convert(char conversion, const Conversion& spec);
-    Step ConvertString(const Conversion& spec);
-    Step ConvertInteger(char conversion, const Conversion& spec);
-    void StoreCount(const Conversion& spec);
-
-    Cursor m_start;
-    Cursor m_in;
-    va_list& m_args;
-    int m_done = 0;
-};
-
-int Scanner::Run(const char* format) {
+inline int Scan(const char* input, const char* format, va_list& args) {
+    const Cursor start = reinterpret_cast<Cursor>(input);
+    Cursor in = start;
     Cursor f = reinterpret_cast<Cursor>(format);
+    int done = 0;
+    // What sscanf returns when the input ends before a field could be read.
+    const auto inputFailure = [&done] { return done == 0 ? EOF : done; };
     bool skipBlanks = false;
     while (*f != '\0') {
-        const unsigned char fc = *f++;
+        const unsigned fc = *f++;
         if (fc != '%') {
-            if (IsBlank(fc)) {
-                // A run of white space in the format matches any amount of input blanks, none included.
+            if (Chars.blank[fc]) {
+                // White space in the format matches any amount of input blanks, none included.
                 skipBlanks = true;
                 continue;
             }
             if (skipBlanks) {
-                m_in = SkipBlanks(m_in);
+                in = SkipBlanks(in);
                 skipBlanks = false;
             }
-            if (*m_in == '\0')
-                return InputFailure();
-            if (*m_in != fc)
-                return m_done;
-            ++m_in;
+            if (*in == '\0')
+                return inputFailure();
+            if (*in != fc)
+                return done;
+            ++in;
             continue;
         }
-        Conversion spec;
-        if (*f == '*') {
-            spec.suppress = true;
-            ++f;
+
+        if (f[0] == '0' && f[1] == '2' && (f[2] == 'x' || f[2] == 'X')) {
+            // "%02x" reads every data byte of the readers: a short cut for its plain cases.
+            in = SkipBlanks(in);
+            skipBlanks = false;
+            if (unsigned value; ReadTwoHexDigits(in, value)) {
+                *va_arg(args, unsigned*) = value;
+                ++done;
+                f += 3;
+                continue;
+            }
         }
+
+        const bool suppress = *f == '*';
+        f += suppress ? 1 : 0;
         int width = 0;
-        for (; *f >= '0' && *f <= '9'; ++f)
-            width = width < 100000 ? width * 10 + (*f - '0') : width;
-        spec.width = width == 0 ? -1 : width;
+        for (unsigned digit = *f - '0'; digit < 10; digit = *++f - '0')
+            width = width < 100000 ? width * 10 + static_cast<int>(digit) : width;
+        if (width == 0)
+            width = -1;
+        bool isLong = false;
         if (*f == 'l') {
-            spec.isLong = true;
+            isLong = true;
             if (*++f == 'l')
                 ++f;
         }
-        if (*f == '\0')
-            return m_done;
-        const char conversion = static_cast<char>(*f++);
+        const unsigned conversion = *f;
+        if (conversion == '\0')
+            return done;
+        ++f;
         if (conversion != 'n' || skipBlanks)
-            m_in = SkipBlanks(m_in);
+            in = SkipBlanks(in);
         skipBlanks = false;
-        const Step step = Convert(conversion, spec);
-        if (step == Step::InputFailure)
-            return InputFailure();
-        if (step == Step::MatchingFailure)
-            return m_done;
-    }
-    return m_done;
-}
 
-Step Scanner::Convert(char conversion, const Conversion& spec) {
-    switch (conversion) {
-    case 's': return ConvertString(spec);
-    case 'd':
-    case 'u':
-    case 'x':
-    case 'X': return ConvertInteger(conversion, spec);
-    case 'n': StoreCount(spec); return Step::Done;
-    case '%':
-        if (*m_in == '\0')
-            return Step::InputFailure;
-        if (*m_in != '%')
-            return Step::MatchingFailure;
-        ++m_in;
-        return Step::Done;
-    default: return Step::MatchingFailure;
-    }
-}
-
-Step Scanner::ConvertString(const Conversion& spec) {
-    if (*m_in == '\0')
-        return Step::InputFailure;
-    char* out = spec.suppress ? nullptr : va_arg(m_args, char*);
-    int width = spec.width;
-    while (*m_in != '\0' && !IsBlank(*m_in)) {
-        if (out != nullptr)
-            *out++ = static_cast<char>(*m_in);
-        ++m_in;
-        if (width > 0 && --width == 0)
+        switch (conversion) {
+        case 'x':
+        case 'X':
+        case 'd':
+        case 'u': {
+            Integer n;
+            const Field field = (conversion == 'x' || conversion == 'X') ? ReadInteger<16>(in, width, n)
+                                                                         : ReadInteger<10>(in, width, n);
+            if (field == Field::NoInput)
+                return inputFailure();
+            if (field == Field::NoMatch)
+                return done;
+            if (!suppress) {
+                StoreInteger(conversion, isLong, n, args);
+                ++done;
+            }
             break;
+        }
+        case 's':
+            if (*in == '\0')
+                return inputFailure();
+            ReadString(in, width, suppress ? nullptr : va_arg(args, char*));
+            done += suppress ? 0 : 1;
+            break;
+        case 'n':
+            if (!suppress) {
+                if (isLong)
+                    *va_arg(args, long*) = in - start;
+                else
+                    *va_arg(args, int*) = static_cast<int>(in - start);
+            }
+            break;
+        case '%':
+            if (*in == '\0')
+                return inputFailure();
+            if (*in != '%')
+                return done;
+            ++in;
+            break;
+        default: return done;
+        }
     }
-    if (out != nullptr) {
-        *out = '\0';
-        ++m_done;
-    }
-    return Step::Done;
-}
-
-Step Scanner::ConvertInteger(char conversion, const Conversion& spec) {
-    Digits digits;
-    const bool hex = conversion == 'x' || conversion == 'X';
-    const Step step = hex ? ReadDigits<16>(m_in, spec.width, digits) : ReadDigits<10>(m_in, spec.width, digits);
-    if (step != Step::Done || spec.suppress)
-        return step;
-    // Narrowing keeps the low bits, as the library's store into a shorter type does.
-    if (conversion == 'd') {
-        const long value = SignedValue(digits);
-        if (spec.isLong)
-            *va_arg(m_args, long*) = value;
-        else
-            *va_arg(m_args, int*) = static_cast<int>(value);
-    } else {
-        const unsigned long value = UnsignedValue(digits);
-        if (spec.isLong)
-            *va_arg(m_args, unsigned long*) = value;
-        else
-            *va_arg(m_args, unsigned*) = static_cast<unsigned>(value);
-    }
-    ++m_done;
-    return Step::Done;
-}
-
-void Scanner::StoreCount(const Conversion& spec) {
-    if (spec.suppress)
-        return;
-    const long consumed = m_in - m_start;
-    if (spec.isLong)
-        *va_arg(m_args, long*) = consumed;
-    else
-        *va_arg(m_args, int*) = static_cast<int>(consumed);
+    return done;
 }
 
 } // namespace
 
 bool ScanHexValue(const char* input, int width, unsigned& value) {
     Cursor in = SkipBlanks(reinterpret_cast<Cursor>(input));
-    Digits digits;
-    if (ReadDigits<16>(in, width > 0 ? width : -1, digits) != Step::Done)
+    if (width > 0 && width <= 8) {
+        // A type code is almost always `width` plain digits; "0x" and signs take the long way.
+        unsigned plain = 0;
+        int count = 0;
+        for (unsigned digit = Chars.digit[in[0]]; count < width && digit < 16; digit = Chars.digit[in[++count]])
+            plain = plain * 16 + digit;
+        if (count == width) {
+            value = plain;
+            return true;
+        }
+    }
+    Integer n;
+    if (ReadInteger<16>(in, width > 0 ? width : -1, n) != Field::Read)
         return false;
-    value = static_cast<unsigned>(UnsignedValue(digits));
+    value = static_cast<unsigned>(UnsignedValue(n));
     return true;
 }
 
 int ScanFormat(const char* input, const char* format, ...) {
     va_list args;
     va_start(args, format);
-    Scanner scanner(input, args);
-    const int result = scanner.Run(format);
+    const int result = Scan(input, format, args);
     va_end(args);
     return result;
+}
+
+ScanLine::ScanLine(const char* line) : text(m_cut), length(0) {
+    m_cut[0] = '\0';
+    if (line == nullptr)
+        return;
+    length = strnlen(line, MaxLength + 1);
+    if (length <= MaxLength) {
+        text = line;
+        return;
+    }
+    length = MaxLength;
+    std::memcpy(m_cut, line, MaxLength);
+    m_cut[MaxLength] = '\0';
 }

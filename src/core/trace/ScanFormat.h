@@ -3,10 +3,9 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 // A fast replacement for sscanf that gives the same results for the conversions the
-// classic readers use: %d %u %x %X (with l and widths), %s with a width, literal
+// classic readers use: %d %u %x %X (with l and widths), %s with or without a width, literal
 // characters and white space. It returns what sscanf returns. The readers call it
 // on every row shown, so it must not cost what the C library's scanner costs.
 // Arguments are pointers as for sscanf: int*, unsigned*, long*, unsigned long*, char*.
@@ -29,32 +28,25 @@ inline long ScanDecimalLong(const char* text) {
         negative = *p++ == '-';
     unsigned long magnitude = 0;
     bool overflow = false;
-    for (unsigned digit = *p - '0'; digit < 10; digit = *++p - '0') {
-        if (magnitude > (ULONG_MAX - digit) / 10)
+    for (unsigned digit = *p - '0'; digit < 10; digit = *++p - '0')
+        if (__builtin_mul_overflow(magnitude, 10UL, &magnitude) || __builtin_add_overflow(magnitude, digit, &magnitude))
             overflow = true;
-        else
-            magnitude = magnitude * 10 + digit;
-    }
     const unsigned long limit = negative ? static_cast<unsigned long>(LONG_MAX) + 1 : LONG_MAX;
     if (overflow || magnitude > limit)
         return negative ? LONG_MIN : LONG_MAX;
     return negative ? static_cast<long>(0UL - magnitude) : static_cast<long>(magnitude);
 }
 
-// A record line as the classic readers scan it: copied and cut at MaxLength characters,
-// so that no %s target can overflow, and read as empty beyond its end, so that no field
-// is ever taken from the bytes that follow the terminator.
+// A record line as the classic readers scan it: cut at MaxLength characters, so that no %s
+// target can overflow, and read as empty beyond its end, so that no field is ever taken
+// from the bytes that follow the terminator. A line within the limit is used in place.
 struct ScanLine {
     static constexpr unsigned long MaxLength = 256;
 
-    char text[MaxLength + 1];
+    const char* text;
     unsigned long length;
 
-    explicit ScanLine(const char* line) : length(line != nullptr ? strnlen(line, MaxLength) : 0) {
-        if (length > 0)
-            std::memcpy(text, line, length);
-        text[length] = '\0';
-    }
+    explicit ScanLine(const char* line);
     ScanLine(const ScanLine&) = delete;
     ScanLine& operator=(const ScanLine&) = delete;
 
@@ -64,6 +56,9 @@ struct ScanLine {
     unsigned char CharAt(unsigned long column) const {
         return column < length ? static_cast<unsigned char>(text[column]) : 0;
     }
+
+private:
+    char m_cut[MaxLength + 1];
 };
 
 // A declared length narrowed to a byte without wrapping: 0x100 stays large, not 0.
