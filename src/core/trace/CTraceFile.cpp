@@ -196,24 +196,38 @@ bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress)
         first.clear();
         second.clear();
         RecordLineWalker::Result secondResult;
+        bool secondFailed = false;
         std::thread worker;
         if (split > offset && split < end) {
             try {
-                worker = std::thread([&] { secondResult = secondWalker.Walk(split, end, second); });
+                worker = std::thread([&] {
+                    try {
+                        secondResult = secondWalker.Walk(split, end, second);
+                    } catch (...) {
+                        secondFailed = true; // the first walk goes on alone
+                    }
+                });
             } catch (const std::system_error&) {
                 split = end;
             }
         } else {
             split = end;
         }
-        const RecordLineWalker::Result firstResult = firstWalker.Walk(offset, split, first);
+        RecordLineWalker::Result firstResult;
+        try {
+            firstResult = firstWalker.Walk(offset, split, first);
+        } catch (...) {
+            if (worker.joinable())
+                worker.join();
+            throw;
+        }
         if (worker.joinable())
             worker.join();
 
         AbsorbRecords(first);
         RecordLineWalker::Result result = firstResult;
-        const bool secondCounts = split < end && firstResult.stop == RecordLineWalker::Stop::ReachedLimit &&
-                                  firstResult.next == split;
+        const bool secondCounts = split < end && !secondFailed &&
+                                  firstResult.stop == RecordLineWalker::Stop::ReachedLimit && firstResult.next == split;
         if (secondCounts) {
             AbsorbRecords(second);
             result = secondResult;
