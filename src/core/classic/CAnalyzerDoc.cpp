@@ -70,17 +70,41 @@ bool CAnalyzerDoc::OnOpenDocument(const std::string& path, zdt::MessageSink* mes
     m_isCanTrace = diagnostic ? 0 : 1;
     m_deltaFile = m_title == kZdtTitle && (m_schemaNumber == 2 || m_schemaNumber == 501 || m_schemaNumber == 5);
 
-    if (m_currentFilterName.empty() && !m_lastFilterName.empty() && filterPrompt != nullptr) {
-        CanFilterPrompt::Request request{m_filterWasActive != 0, m_lastFilterName, true};
-        const CanFilterPrompt::Answer answer = filterPrompt->Run(request);
-        if (answer.ok) {
-            if (!answer.activate)
-                m_filterActive = 0;
-            else if (answer.changed)
-                ApplyFilter(filterPrompt->FilterPath(answer.name), answer.name);
-        }
-    }
+    if (filterPrompt != nullptr)
+        OfferHistoryFilter(*filterPrompt);
     return true;
+}
+
+std::optional<CanFilterPrompt::Request> CAnalyzerDoc::HistoryFilterRequest() const {
+    if (!m_traceFile || !m_currentFilterName.empty() || m_lastFilterName.empty())
+        return std::nullopt;
+    return CanFilterPrompt::Request{m_filterWasActive != 0, m_lastFilterName, true};
+}
+
+void CAnalyzerDoc::ApplyHistoryFilterAnswer(const CanFilterPrompt::Answer& answer, const std::string& fltPath,
+                                            zdt::ProgressSink* progress) {
+    if (!answer.ok)
+        return;
+    if (!answer.activate)
+        m_filterActive = 0;
+    else if (answer.changed)
+        ApplyFilter(fltPath, answer.name, progress);
+}
+
+void CAnalyzerDoc::OfferHistoryFilter(CanFilterPrompt& prompt) {
+    const std::optional<CanFilterPrompt::Request> request = HistoryFilterRequest();
+    if (!request)
+        return;
+    const CanFilterPrompt::Answer answer = prompt.Run(*request);
+    ApplyHistoryFilterAnswer(answer, AnswerAppliesFilter(answer) ? prompt.FilterPath(answer.name) : std::string());
+}
+
+bool CAnalyzerDoc::AnswerAppliesFilter(const CanFilterPrompt::Answer& answer) {
+    return answer.ok && answer.activate && answer.changed;
+}
+
+bool CAnalyzerDoc::CanFilterAnswerActs(const CanFilterPrompt::Answer& answer) {
+    return answer.ok && (!answer.activate || answer.changed);
 }
 
 void CAnalyzerDoc::OnCloseDocument(bool writeHistory) {
@@ -92,7 +116,7 @@ void CAnalyzerDoc::OnCloseDocument(bool writeHistory) {
         m_traceFile->AppendFilterHistory(m_currentFilterName, m_filterActive != 0);
 }
 
-void CAnalyzerDoc::ApplyFilter(const std::string& fltPath, const std::string& name) {
+void CAnalyzerDoc::ApplyFilter(const std::string& fltPath, const std::string& name, zdt::ProgressSink* progress) {
     m_filterActive = 1;
     m_currentFilterName = name;
     m_findResults.clear();
@@ -109,10 +133,10 @@ void CAnalyzerDoc::ApplyFilter(const std::string& fltPath, const std::string& na
         std::snprintf(key, sizeof key, "%X", number);
         m_idTable[number] = ReadHex(ini.GetString(key, "0xFFFFFFFF", "CAN"));
     }
-    FilterPass();
+    FilterPass(progress);
 }
 
-void CAnalyzerDoc::FilterPass() {
+void CAnalyzerDoc::FilterPass(zdt::ProgressSink* progress) {
     if (!m_traceFile)
         return;
     CTraceFile& file = *m_traceFile;
@@ -127,6 +151,8 @@ void CAnalyzerDoc::FilterPass() {
     const std::uint32_t total = file.TotalCount();
     char line[CTraceFile::MaxRecordLine + 1];
     for (std::uint32_t i = 0; i < total; ++i) {
+        if (progress != nullptr && (i & 0xFFFF) == 0)
+            progress->onProgress(i, total);
         const std::uint64_t offset = file.AllOffsets().Get(i);
         if (!file.ReadRecordLine(offset, line) || line[0] == '\0')
             break;
@@ -195,6 +221,12 @@ void CAnalyzerDoc::RecordStep(const CTraceItem& item, std::uint64_t offset) {
 }
 
 void CAnalyzerDoc::OnCanFilter(CanFilterPrompt& prompt, zdt::MessageSink* messages, zdt::ProgressSink* progress) {
+    const CanFilterPrompt::Answer answer = prompt.Run(BeginCanFilter());
+    FinishCanFilter(answer, AnswerAppliesFilter(answer) ? prompt.FilterPath(answer.name) : std::string(), messages,
+                    progress);
+}
+
+CanFilterPrompt::Request CAnalyzerDoc::BeginCanFilter() {
     ClearRunningTime();
     m_firstOpen = 0;
     CanFilterPrompt::Request request;
@@ -207,7 +239,11 @@ void CAnalyzerDoc::OnCanFilter(CanFilterPrompt& prompt, zdt::MessageSink* messag
     } else {
         request.activate = m_filterActive != 0;
     }
-    const CanFilterPrompt::Answer answer = prompt.Run(request);
+    return request;
+}
+
+void CAnalyzerDoc::FinishCanFilter(const CanFilterPrompt::Answer& answer, const std::string& fltPath,
+                                   zdt::MessageSink* messages, zdt::ProgressSink* progress) {
     if (!answer.ok)
         return;
     if (!answer.activate) {
@@ -222,7 +258,7 @@ void CAnalyzerDoc::OnCanFilter(CanFilterPrompt& prompt, zdt::MessageSink* messag
         OnOpenDocument(m_pathName, messages, progress, nullptr);
         m_needsHeaderUpdate = 1;
     } else if (answer.changed) {
-        ApplyFilter(prompt.FilterPath(answer.name), answer.name);
+        ApplyFilter(fltPath, answer.name, progress);
     }
 }
 

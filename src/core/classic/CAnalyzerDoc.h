@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,11 +33,34 @@ public:
     void OnCloseDocument(bool writeHistory = true);
 
     // The filter apply step from a ".flt" file, then the filter pass.
-    void ApplyFilter(const std::string& fltPath, const std::string& name);
+    void ApplyFilter(const std::string& fltPath, const std::string& name, zdt::ProgressSink* progress = nullptr);
     // The document's filter command, with the dialog behind `prompt`.
     void OnCanFilter(CanFilterPrompt& prompt, zdt::MessageSink* messages = nullptr,
                      zdt::ProgressSink* progress = nullptr);
-    void FilterPass();
+    // `progress` only reports: a pass stopped half-way would leave a half-built row list.
+    void FilterPass(zdt::ProgressSink* progress = nullptr);
+
+    // The steps of opening and of the filter command taken apart, so that a desktop can
+    // ask its dialog on one thread and do the long work on another. OnOpenDocument and
+    // OnCanFilter are exactly these steps in a row.
+    //
+    // Opening's offer of the filter named in the file's history; nothing when none is offered.
+    std::optional<CanFilterPrompt::Request> HistoryFilterRequest() const;
+    // Acts on the answer to that offer; `fltPath` counts only when the answer applies a filter.
+    void ApplyHistoryFilterAnswer(const CanFilterPrompt::Answer& answer, const std::string& fltPath,
+                                  zdt::ProgressSink* progress = nullptr);
+    // Both of the above with `prompt` asked in between.
+    void OfferHistoryFilter(CanFilterPrompt& prompt);
+    // The filter command up to its dialog: what the dialog is preset with.
+    CanFilterPrompt::Request BeginCanFilter();
+    // The filter command after its dialog: turns the filter off (reading the file anew) or
+    // applies a changed one from `fltPath`.
+    void FinishCanFilter(const CanFilterPrompt::Answer& answer, const std::string& fltPath,
+                         zdt::MessageSink* messages = nullptr, zdt::ProgressSink* progress = nullptr);
+    // Whether an answer of the filter dialog makes FinishCanFilter do anything at all.
+    static bool CanFilterAnswerActs(const CanFilterPrompt::Answer& answer);
+    // Whether the answer applies the filter it names, so that its ".flt" path is needed.
+    static bool AnswerAppliesFilter(const CanFilterPrompt::Answer& answer);
 
     // The style dialogs' choice; `byteTime` (microseconds) counts in inter-byte mode only.
     void SetTimeMode(TimeMode mode, std::uint32_t byteTime = 1);

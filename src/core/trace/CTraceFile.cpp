@@ -21,7 +21,10 @@ constexpr const char* kInvalidVersion = "Invalid Version of Trace File";
 constexpr int kMaxHeadLines = 200;
 // The index pass splits the file into blocks of this size, each walked by two threads;
 // smaller files are walked by one.
-constexpr std::uint64_t kIndexSuperBlock = 16 * 1024 * 1024;
+constexpr std::uint64_t kIndexSuperBlock = 4 * 1024 * 1024;
+// Where in a block the second thread starts, in percent; the first thread also adds the
+// records to the index as it goes.
+constexpr std::uint64_t kIndexFirstShare = 50;
 constexpr std::uint64_t kIndexParallelMinimum = 1024 * 1024;
 
 bool StartsWith(const char* line, const char* prefix) { return std::strncmp(line, prefix, std::strlen(prefix)) == 0; }
@@ -186,14 +189,19 @@ bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress)
     };
     RecordLineWalker firstWalker(readAt, fileLength, window, m_schemaNumber);
     RecordLineWalker secondWalker(readAt, fileLength, window, m_schemaNumber);
-    std::vector<ScannedRecord> first, second;
+    // Each walker appends to its own batch; on separate cache lines, the two threads do
+    // not fight over the vectors' end pointers.
+    struct alignas(64) Batch {
+        std::vector<ScannedRecord> records;
+    };
+    Batch secondBatch;
+    std::vector<ScannedRecord>& second = secondBatch.records;
 
     while (offset < fileLength) {
         const std::uint64_t end = std::min(fileLength, offset + kIndexSuperBlock);
         std::uint64_t split = end;
         if (end - offset >= kIndexParallelMinimum)
-            split = LineStartAfter(readAt, offset + (end - offset) / 2, window);
-        first.clear();
+            split = LineStartAfter(readAt, offset + (end - offset) * kIndexFirstShare / 100, window);
         second.clear();
         RecordLineWalker::Result secondResult;
         bool secondFailed = false;
@@ -215,7 +223,9 @@ bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress)
         }
         RecordLineWalker::Result firstResult;
         try {
-            firstResult = firstWalker.Walk(offset, split, first);
+            // The first part goes straight into the index; the second waits for its check.
+            firstResult =
+                firstWalker.Walk(offset, split, [this](const ScannedRecord& record) { AbsorbRecord(record); });
         } catch (...) {
             if (worker.joinable())
                 worker.join();
@@ -224,7 +234,6 @@ bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress)
         if (worker.joinable())
             worker.join();
 
-        AbsorbRecords(first);
         RecordLineWalker::Result result = firstResult;
         const bool secondCounts = split < end && !secondFailed &&
                                   firstResult.stop == RecordLineWalker::Stop::ReachedLimit && firstResult.next == split;
@@ -252,23 +261,26 @@ bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress)
 }
 
 void CTraceFile::AbsorbRecords(const std::vector<ScannedRecord>& records) {
-    for (const ScannedRecord& record : records) {
-        m_visibleOffsets.Append(record.offset);
-        m_allOffsets.Append(record.offset);
-        if (record.lineClass == 1)
-            m_seenClass0 = 1;
-        else if (record.lineClass == 2)
-            m_seenClass8 = 1;
-        else if (record.lineClass == 3)
-            m_seenClass4 = 1;
-        if (record.skipsTimePass) {
-            m_seenChannel = 1;
-            m_seenIdentifier = 1;
-        } else {
-            TimePass(record);
-        }
-        ++m_visibleCount;
+    for (const ScannedRecord& record : records)
+        AbsorbRecord(record);
+}
+
+void CTraceFile::AbsorbRecord(const ScannedRecord& record) {
+    m_visibleOffsets.Append(record.offset);
+    m_allOffsets.Append(record.offset);
+    if (record.lineClass == 1)
+        m_seenClass0 = 1;
+    else if (record.lineClass == 2)
+        m_seenClass8 = 1;
+    else if (record.lineClass == 3)
+        m_seenClass4 = 1;
+    if (record.skipsTimePass) {
+        m_seenChannel = 1;
+        m_seenIdentifier = 1;
+    } else {
+        TimePass(record);
     }
+    ++m_visibleCount;
 }
 
 void CTraceFile::TimePass(const ScannedRecord& record) {

@@ -92,6 +92,7 @@ private:
     void StoreHeadValue(const std::string& key, const std::string& value, bool& schemaOk);
     bool IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress);
     void AbsorbRecords(const std::vector<ScannedRecord>& records);
+    void AbsorbRecord(const ScannedRecord& record);
     void TimePass(const ScannedRecord& record);
     void ResetIndex();
 

@@ -32,60 +32,41 @@ RecordLineWalker::RecordLineWalker(ReadAt readAt, std::uint64_t fileLength, std:
     : m_readAt(std::move(readAt)), m_fileLength(fileLength), m_window(window), m_schemaNumber(schemaNumber),
       m_block(new char[kBlockSize + window + 1]) {}
 
-RecordLineWalker::Result RecordLineWalker::Walk(std::uint64_t from, std::uint64_t limit,
-                                                std::vector<ScannedRecord>& out) {
+bool RecordLineWalker::Fill(std::uint64_t offset) {
+    std::size_t start = static_cast<std::size_t>(offset - m_blockOffset);
+    if (offset >= m_blockOffset && start + m_window <= m_blockBytes)
+        return true;
+    // Keep the rest of the block in front and read behind it.
     char* const block = m_block.get();
-    std::uint64_t offset = from;
-    std::uint64_t blockOffset = from;
-    std::size_t blockBytes = 0;
-    while (offset < m_fileLength) {
-        if (offset >= limit)
-            return {offset, Stop::ReachedLimit};
-        std::size_t start = static_cast<std::size_t>(offset - blockOffset);
-        if (start + m_window > blockBytes) {
-            // Refill so that at least one window past the line start is in the block.
-            if (start < blockBytes) {
-                std::memmove(block, block + start, blockBytes - start);
-                blockBytes -= start;
-            } else {
-                blockBytes = 0;
-            }
-            blockOffset = offset;
-            blockBytes += m_readAt(offset + blockBytes, block + blockBytes, kBlockSize + m_window - blockBytes);
-            start = 0;
-            if (blockBytes == 0)
-                break;
-        }
-        char* line = block + start;
-        const std::size_t scan = std::min<std::size_t>(m_window, blockBytes - start);
-        auto* cr = static_cast<char*>(std::memchr(line, '\r', scan));
-        if (cr == nullptr)
-            break;
-        const std::size_t length = static_cast<std::size_t>(cr - line);
-        if (length >= 17 && std::memcmp(line, "[AnalyzerHistory]", 17) == 0)
-            return {offset, Stop::HistorySection};
-        const int lineClass = length > 0 ? LineClass(line[0]) : -1;
-        if (lineClass >= 0) {
-            ScannedRecord& record = out.emplace_back();
-            record.offset = offset;
-            record.lineClass = static_cast<std::uint8_t>(lineClass);
-            if (lineClass == 3 && m_schemaNumber >= 701) {
-                record.skipsTimePass = true;
-            } else {
-                *cr = '\0';
-                IndexLineFacts facts;
-                ReadIndexLineFacts(line, length, facts);
-                *cr = '\r';
-                record.time = facts.time;
-                record.channel = facts.channelNumber;
-                record.facts = static_cast<std::uint8_t>(
-                    (facts.channel ? FactChannel : 0) | (facts.identifier ? FactIdentifier : 0) |
-                    (facts.sourceDestinationPriority ? FactSourceDestinationPriority : 0) | (facts.flex ? FactFlex : 0));
-            }
-        }
-        offset += length + 2;
+    if (offset >= m_blockOffset && start < m_blockBytes) {
+        std::memmove(block, block + start, m_blockBytes - start);
+        m_blockBytes -= start;
+    } else {
+        m_blockBytes = 0;
     }
-    return {offset, Stop::EndOfLines};
+    m_blockOffset = offset;
+    m_blockBytes += m_readAt(offset + m_blockBytes, block + m_blockBytes, kBlockSize + m_window - m_blockBytes);
+    return m_blockBytes > 0;
+}
+
+bool RecordLineWalker::ScanRecord(std::uint64_t offset, char* line, std::size_t length, ScannedRecord& record) const {
+    const int lineClass = length > 0 ? LineClass(line[0]) : -1;
+    if (lineClass < 0)
+        return false;
+    record.offset = offset;
+    record.lineClass = static_cast<std::uint8_t>(lineClass);
+    if (lineClass == 3 && m_schemaNumber >= 701) {
+        record.skipsTimePass = true;
+        return true;
+    }
+    IndexLineFacts facts;
+    ReadIndexLineFacts(line, length, facts);
+    record.time = facts.time;
+    record.channel = facts.channelNumber;
+    record.facts = static_cast<std::uint8_t>((facts.channel ? FactChannel : 0) | (facts.identifier ? FactIdentifier : 0) |
+                                             (facts.sourceDestinationPriority ? FactSourceDestinationPriority : 0) |
+                                             (facts.flex ? FactFlex : 0));
+    return true;
 }
 
 std::uint64_t LineStartAfter(const RecordLineWalker::ReadAt& readAt, std::uint64_t offset, std::size_t window) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -41,15 +42,57 @@ public:
 
     // Scans the lines that start in [from, limit) into `out` (appending). A line starting at
     // or beyond `limit` ends the walk, as do the end of the lines and a history section.
-    Result Walk(std::uint64_t from, std::uint64_t limit, std::vector<ScannedRecord>& out);
+    Result Walk(std::uint64_t from, std::uint64_t limit, std::vector<ScannedRecord>& out) {
+        return Walk(from, limit, [&out](const ScannedRecord& record) { out.push_back(record); });
+    }
+    // The same, handing each record to `take` as it is scanned.
+    template <typename Take>
+    Result Walk(std::uint64_t from, std::uint64_t limit, Take&& take);
 
 private:
+    // Scans one record line (zero-terminated at `length`) into `record`; false for no record.
+    bool ScanRecord(std::uint64_t offset, char* line, std::size_t length, ScannedRecord& record) const;
+    // Makes sure one window past `offset` is in the block (or the rest of the file); false at the end.
+    bool Fill(std::uint64_t offset);
+
     ReadAt m_readAt;
     std::uint64_t m_fileLength;
     std::size_t m_window;
     std::int32_t m_schemaNumber;
     std::unique_ptr<char[]> m_block;
+    std::uint64_t m_blockOffset = 0;
+    std::size_t m_blockBytes = 0;
 };
+
+template <typename Take>
+RecordLineWalker::Result RecordLineWalker::Walk(std::uint64_t from, std::uint64_t limit, Take&& take) {
+    m_blockOffset = from;
+    m_blockBytes = 0;
+    std::uint64_t offset = from;
+    while (offset < m_fileLength) {
+        if (offset >= limit)
+            return {offset, Stop::ReachedLimit};
+        if (!Fill(offset))
+            break;
+        char* line = m_block.get() + (offset - m_blockOffset);
+        const std::size_t available = m_blockBytes - static_cast<std::size_t>(offset - m_blockOffset);
+        const std::size_t scan = available < m_window ? available : m_window;
+        auto* cr = static_cast<char*>(std::memchr(line, '\r', scan));
+        if (cr == nullptr)
+            break;
+        const std::size_t length = static_cast<std::size_t>(cr - line);
+        if (length >= 17 && std::memcmp(line, "[AnalyzerHistory]", 17) == 0)
+            return {offset, Stop::HistorySection};
+        ScannedRecord record;
+        *cr = '\0';
+        const bool isRecord = ScanRecord(offset, line, length, record);
+        *cr = '\r';
+        if (isRecord)
+            take(record);
+        offset += length + 2;
+    }
+    return {offset, Stop::EndOfLines};
+}
 
 // The first line start behind `offset` (two bytes behind the first carriage return at or
 // after it, within one window), or `offset` itself when none is found.

@@ -1,0 +1,257 @@
+#include "app/CAnalyzerApp.h"
+
+#include "app/AboutBox.h"
+#include "app/Boxes.h"
+#include "app/BrandEdition.h"
+#include "app/CChildFrame.h"
+#include "app/CMainFrame.h"
+#include "app/DocumentRoute.h"
+#include "app/HelpWindow.h"
+#include "app/PlaceholderTemplate.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMdiArea>
+#include <QPageSetupDialog>
+#include <QPrinter>
+
+#ifndef ZDT_PROGRAM_VERSION
+#define ZDT_PROGRAM_VERSION "0.1.0"
+#endif
+
+namespace zdtui {
+namespace {
+
+CAnalyzerApp* g_application = nullptr;
+
+constexpr int RecentFileCount = 8;
+
+QString Text(std::string_view text) {
+    return QString::fromUtf8(text.data(), qsizetype(text.size()));
+}
+
+void ShowMessage(QWidget* parent, const zdt::UserMessage& message) {
+    Boxes::instance().show(parent, QString::fromStdString(message.title), QString::fromStdString(message.text),
+                           ToQtIcon(message.icon));
+}
+
+// The wait cursor for the length of a scope.
+class WaitCursor {
+public:
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+} // namespace
+
+CAnalyzerApp::CAnalyzerApp(TemplateFactory classicTemplate)
+    : m_classicTemplate(std::move(classicTemplate)), m_edition(zdt::EditionInfoFor(zdt::BrandEdition())),
+      m_recentFiles(QStringLiteral("Norvika"), QStringLiteral("ZDT7"), RecentFileCount) {
+    g_application = this;
+}
+
+CAnalyzerApp::~CAnalyzerApp() {
+    if (m_mainFrame != nullptr) {
+        // Every document closes while the frame can still take its last status.
+        for (CChildFrame* child : m_mainFrame->childFrames())
+            child->close();
+        m_mainFrame.reset();
+    }
+    delete m_helpWindow;
+    if (g_application == this)
+        g_application = nullptr;
+    // m_sessionTempDir empties and removes the per-run directory as it goes.
+}
+
+CAnalyzerApp* CAnalyzerApp::instance() {
+    return g_application;
+}
+
+bool CAnalyzerApp::InitInstance(const QStringList& arguments) {
+    // Resolved first, so that nothing later finds another program directory.
+    zdt::AnalyzerBinaryDir();
+    // The edition's title is the program's name: untitled boxes carry it. (A display name
+    // would be appended to every window title as well.)
+    QCoreApplication::setApplicationName(Text(m_edition.applicationTitle));
+
+    m_recentFiles.load();
+    registerTemplates();
+
+    m_mainFrame = std::make_unique<CMainFrame>(*this, m_edition);
+
+    // The first argument goes straight to its document; the trace extensions are the file
+    // dialog's rule, not the command line's. No argument opens nothing.
+    if (!arguments.isEmpty() && openDocumentFile(arguments.first()) == nullptr)
+        return false;
+
+    m_mainFrame->show();
+
+    if (std::optional<zdt::UserMessage> failure = m_sessionTempDir.Create()) {
+        ShowMessage(nullptr, *failure);
+        return false;
+    }
+    return true;
+}
+
+void CAnalyzerApp::registerTemplates() {
+    m_templates.clear();
+    m_templates.push_back(m_classicTemplate());
+    m_templates.push_back(std::make_unique<PlaceholderTemplate>(QStringLiteral(".XPVT"), QStringLiteral("XPVT")));
+    m_templates.push_back(std::make_unique<PlaceholderTemplate>(QStringLiteral(".SNP"), QStringLiteral("Snapshot")));
+}
+
+// A template that names the file's extension (in any case) takes it; every other file
+// falls to the first template.
+DocumentTemplate* CAnalyzerApp::matchTemplate(const QString& path) const {
+    if (m_templates.empty())
+        return nullptr;
+    const QString suffix = QFileInfo(path).suffix();
+    if (!suffix.isEmpty()) {
+        const QString extension = QLatin1Char('.') + suffix;
+        for (const std::unique_ptr<DocumentTemplate>& documentTemplate : m_templates) {
+            const QString named = documentTemplate->extension();
+            if (!named.isEmpty() && named.compare(extension, Qt::CaseInsensitive) == 0)
+                return documentTemplate.get();
+        }
+    }
+    return m_templates.front().get();
+}
+
+CChildFrame* CAnalyzerApp::findOpenDocument(const QString& path) const {
+    if (m_mainFrame == nullptr)
+        return nullptr;
+    for (CChildFrame* child : m_mainFrame->childFrames()) {
+        if (!child->isHidden() && child->document()->pathName() == path)
+            return child;
+    }
+    return nullptr;
+}
+
+UiDocument* CAnalyzerApp::openDocumentFile(const QString& path) {
+    DocumentTemplate* documentTemplate = matchTemplate(path);
+    if (documentTemplate == nullptr || m_mainFrame == nullptr)
+        return nullptr;
+    // One spelling per file, so that a file already open is found again.
+    const QString fullPath = path.isEmpty() ? path : QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+    if (CChildFrame* open = findOpenDocument(fullPath)) {
+        m_mainFrame->mdiArea()->setActiveSubWindow(open);
+        return open->document();
+    }
+
+    std::unique_ptr<UiDocument> document = documentTemplate->createDocument();
+    // A document names itself while it opens, before it has a window to show the name.
+    QString caption;
+    const QMetaObject::Connection naming =
+        connect(document.get(), &UiDocument::titleChanged, this, [&caption](const QString& title) { caption = title; });
+    const bool opened = document->open(fullPath, m_mainFrame.get());
+    disconnect(naming);
+    if (!opened)
+        return nullptr;
+    if (caption.isEmpty())
+        caption = QFileInfo(fullPath).fileName();
+
+    UiDocument* result = document.get();
+    m_mainFrame->addChildFrame(new CChildFrame(std::move(document), m_mainFrame.get(), caption));
+    m_recentFiles.add(fullPath);
+    m_mainFrame->refreshCommands();
+    return result;
+}
+
+void CAnalyzerApp::OnFileOpen() {
+    QFileDialog dialog(m_mainFrame.get(), QStringLiteral("Open"));
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(QFileDialog::ExistingFiles);
+    // The filter's name already lists the extensions; the pattern is Qt's blank-separated form.
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    const QString pattern =
+        QString::fromLatin1(zdt::TraceFilesFilterPattern).replace(QLatin1Char(';'), QLatin1Char(' '));
+    dialog.setNameFilter(QStringLiteral("%1 (%2)").arg(QString::fromLatin1(zdt::TraceFilesFilterName), pattern));
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    OpenSelectedFiles(dialog.selectedFiles());
+}
+
+void CAnalyzerApp::OpenSelectedFiles(const QStringList& paths) {
+    std::vector<std::string> names;
+    names.reserve(paths.size());
+    for (const QString& path : paths)
+        names.push_back(path.toStdString());
+    OpenSelection(zdt::SelectFromFileDialog(names));
+}
+
+void CAnalyzerApp::OpenSelection(const zdt::DocumentSelection& selection) {
+    for (const std::string& path : selection.accepted)
+        openDocumentFile(QString::fromStdString(path));
+
+    auto warn = [&] {
+        if (selection.warning)
+            ShowMessage(selection.warningOnMainFrame ? m_mainFrame.get() : nullptr, *selection.warning);
+    };
+    // Dropped files warn before the windows are arranged, the file dialog after.
+    if (selection.warnBeforeCascade)
+        warn();
+    if (selection.cascade && m_mainFrame != nullptr)
+        m_mainFrame->cascade();
+    if (!selection.warnBeforeCascade)
+        warn();
+}
+
+void CAnalyzerApp::OpenRecentFile(int index) {
+    const QStringList& paths = m_recentFiles.paths();
+    if (index < 0 || index >= paths.size())
+        return;
+    const QString path = paths[index];
+    if (openDocumentFile(path) == nullptr) {
+        m_recentFiles.remove(int(m_recentFiles.paths().indexOf(path)));
+        if (m_mainFrame != nullptr)
+            m_mainFrame->refreshCommands();
+    }
+}
+
+void CAnalyzerApp::OnAppAbout() {
+    AboutBox box(m_edition, ProgramVersion(), m_mainFrame.get());
+    box.exec();
+}
+
+void CAnalyzerApp::OnHelp() {
+    const QString page = HelpPagePath();
+    {
+        WaitCursor wait;
+        if (QFileInfo(page).isFile()) {
+            if (m_helpWindow == nullptr)
+                m_helpWindow = new HelpWindow(m_mainFrame.get());
+            m_helpWindow->showPage(page);
+            m_helpWindow->show();
+            m_helpWindow->raise();
+            m_helpWindow->activateWindow();
+            return;
+        }
+    }
+    Boxes::instance().show(m_mainFrame.get(), QString(), QStringLiteral("The help page cannot be found:\n%1").arg(page),
+                           QMessageBox::Warning);
+}
+
+void CAnalyzerApp::OnFilePrintSetup() {
+    QPageSetupDialog dialog(&printer(), m_mainFrame.get());
+    dialog.exec();
+}
+
+QPrinter& CAnalyzerApp::printer() {
+    if (m_printer == nullptr)
+        m_printer = std::make_unique<QPrinter>();
+    return *m_printer;
+}
+
+QString CAnalyzerApp::HelpPagePath() {
+    return QString::fromStdString(zdt::AnalyzerBinaryDir()) + QStringLiteral("help/analyzer_5.htm");
+}
+
+QString CAnalyzerApp::ProgramVersion() {
+    return QStringLiteral(ZDT_PROGRAM_VERSION);
+}
+
+} // namespace zdtui

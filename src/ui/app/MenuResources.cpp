@@ -1,0 +1,137 @@
+#include "app/MenuResources.h"
+
+#include "app/BrandEdition.h"
+
+namespace zdtui {
+namespace {
+
+using Kind = MenuItemResource::Kind;
+
+MenuItemResource Item(const char* text, MenuCommand command) {
+    return {Kind::Command, QString::fromUtf8(text), command};
+}
+MenuItemResource Separator() {
+    return {Kind::Separator, QString(), FrameCommand::FileOpen};
+}
+MenuItemResource RecentFiles() {
+    return {Kind::RecentFiles, QString(), FrameCommand::FileOpen};
+}
+MenuItemResource WindowList() {
+    return {Kind::WindowList, QString(), FrameCommand::FileOpen};
+}
+
+// The edition whose titles a menu resource carries.
+int EditionOfMenu(int id) {
+    switch (id) {
+    case 130:
+    case 143:
+        return zdt::BrandEditionPartner;
+    case 131:
+        return zdt::BrandEditionCustomer;
+    default:
+        return zdt::BrandEditionStandard;
+    }
+}
+
+MenuItemResource AboutItem(int menuId) {
+    const std::string_view title = zdt::EditionInfoFor(EditionOfMenu(menuId)).applicationTitle;
+    return {Kind::Command, "&About " + QString::fromUtf8(title.data(), qsizetype(title.size())) + "...",
+            FrameCommand::AppAbout};
+}
+
+PopupResource HelpPopup(int menuId) {
+    return {"&Help", {Item("&Help Topics\tF1", FrameCommand::Help), Separator(), AboutItem(menuId)}};
+}
+
+std::vector<PopupResource> MainMenu(int id) {
+    return {
+        {"&File",
+         {Item("&Open...\tCtrl+O", FrameCommand::FileOpen), Separator(),
+          Item("P&rint Setup...", FrameCommand::FilePrintSetup), Separator(), RecentFiles(), Separator(),
+          Item("E&xit", FrameCommand::AppExit)}},
+        {"&View",
+         {Item("&Toolbar", FrameCommand::ViewToolbar), Item("B&ookmark Toolbar", FrameCommand::ViewBookmarkToolbar),
+          Item("&Status Bar", FrameCommand::ViewStatusBar)}},
+        HelpPopup(id),
+    };
+}
+
+std::vector<PopupResource> ClassicMenu(int id) {
+    // The partner's menu keeps the trailing blank of this item.
+    const char* styleKLine = id == 143 ? "Style KLine Link " : "Style KLine Link";
+    return {
+        {"&File",
+         {Item("&Open...\tCtrl+O", FrameCommand::FileOpen), Item("&Close", FrameCommand::FileClose), Separator(),
+          Item("&Print...\tCtrl+P", ViewCommand::Print), Item("Print Pre&view", ViewCommand::PrintPreview),
+          Item("P&rint Setup...", FrameCommand::FilePrintSetup), Separator(),
+          Item("Save &As ASCII file...", ViewCommand::SaveAsAscii), Separator(), RecentFiles(), Separator(),
+          Item("E&xit", FrameCommand::AppExit)}},
+        {"&Session",
+         {Item("Session Info...", ViewCommand::SessionInfo), Separator(), Item("&Find\tCtrl+F", ViewCommand::Find),
+          Item("Find &Next\tCtrl+F3", ViewCommand::FindNext),
+          Item("Find &Previous\tCtrl+Shift+F3", ViewCommand::FindPrevious), Separator(),
+          Item("&Toggle Bookmark\tCtrl+F2", ViewCommand::ToggleBookmark),
+          Item("&Goto Next Bookmark\tF2", ViewCommand::NextBookmark),
+          Item("Goto Previous &Bookmark\tShift+F2", ViewCommand::PreviousBookmark),
+          Item("Clear All Bookmarks\tCtrl+Shift+F2", ViewCommand::ClearBookmarks), Separator(),
+          Item("&Can Filter ...", ViewCommand::CanFilter)}},
+        {"&View",
+         {Item(styleKLine, ViewCommand::StyleKLine), Item("Style CAN Link", ViewCommand::StyleCan), Separator(),
+          Item("&Toolbar", FrameCommand::ViewToolbar), Item("B&ookmark Toolbar", FrameCommand::ViewBookmarkToolbar),
+          Item("&Status Bar", FrameCommand::ViewStatusBar)}},
+        {"&Window",
+         {Item("&Cascade", FrameCommand::WindowCascade), Item("Tile &Horizontally", FrameCommand::WindowTileHorizontal),
+          Item("Tile &Vertically", FrameCommand::WindowTileVertical), WindowList()}},
+        HelpPopup(id),
+    };
+}
+
+} // namespace
+
+std::vector<PopupResource> MenuResource(int id) {
+    switch (id) {
+    case 142:
+    case 143:
+        return ClassicMenu(id);
+    case 130:
+    case 131:
+        return MainMenu(id);
+    default:
+        return MainMenu(128);
+    }
+}
+
+std::vector<std::optional<MenuCommand>> ToolBarResource(int id) {
+    if (id == BookmarkToolBarResource) {
+        return {ViewCommand::ToggleBookmark, ViewCommand::NextBookmark, ViewCommand::PreviousBookmark,
+                ViewCommand::ClearBookmarks};
+    }
+    return {FrameCommand::FileOpen,
+            std::nullopt,
+            ViewCommand::Print,
+            ViewCommand::PrintPreview,
+            ViewCommand::SaveAsAscii,
+            std::nullopt,
+            ViewCommand::SessionInfo,
+            ViewCommand::Find,
+            ViewCommand::FindNext,
+            ViewCommand::FindPrevious,
+            ViewCommand::CanFilter,
+            std::nullopt,
+            ViewCommand::StyleKLine,
+            ViewCommand::StyleCan,
+            std::nullopt,
+            FrameCommand::AppAbout};
+}
+
+QString MenuItemLabel(const QString& resourceText) {
+    const qsizetype tab = resourceText.indexOf(u'\t');
+    return tab < 0 ? resourceText : resourceText.left(tab);
+}
+
+QKeySequence MenuItemShortcut(const QString& resourceText) {
+    const qsizetype tab = resourceText.indexOf(u'\t');
+    return tab < 0 ? QKeySequence() : QKeySequence::fromString(resourceText.mid(tab + 1), QKeySequence::PortableText);
+}
+
+} // namespace zdtui

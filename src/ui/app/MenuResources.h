@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/FrameCommand.h"
+
+#include <QKeySequence>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+namespace zdtui {
+
+// One entry of a menu resource. `text` is written as in the resource: the label, and
+// behind a tab the accelerator ("&Find\tCtrl+F").
+struct MenuItemResource {
+    enum class Kind { Command, Separator, RecentFiles, WindowList };
+    Kind kind = Kind::Command;
+    QString text;
+    MenuCommand command = FrameCommand::FileOpen;
+};
+
+struct PopupResource {
+    QString title;
+    std::vector<MenuItemResource> items;
+};
+
+// Menu bars by resource id: 128, 130 and 131 are the main menus of the three editions
+// (shown with no document), 142 and 143 the classic document's menus. Unknown ids give 128.
+std::vector<PopupResource> MenuResource(int id);
+
+inline constexpr int MainToolBarResource = 128;
+inline constexpr int BookmarkToolBarResource = 144;
+
+// Tool-bar buttons by resource id (128 main, 144 bookmarks); null entries are separators.
+// Buttons stand in the order of the menus.
+std::vector<std::optional<MenuCommand>> ToolBarResource(int id);
+
+// The label of a resource text, without the accelerator.
+QString MenuItemLabel(const QString& resourceText);
+// The accelerator behind the tab, empty when there is none.
+QKeySequence MenuItemShortcut(const QString& resourceText);
+
+} // namespace zdtui

@@ -1,0 +1,598 @@
+// The application shell with a stand-in for the classic family: routing of files to
+// document families, the file dialog's and the drop's selections with their boxes, the
+// command line, child windows, status, recent files, menus and the temporary directory.
+#include "app/AboutBox.h"
+#include "app/Boxes.h"
+#include "app/BrandEdition.h"
+#include "app/CAnalyzerApp.h"
+#include "app/CChildFrame.h"
+#include "app/CMainFrame.h"
+#include "app/HelpWindow.h"
+#include "app/PlaceholderDocument.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QToolBar>
+#include <QUrl>
+
+#include <map>
+
+using namespace zdtui;
+
+namespace {
+
+// Everything the stand-in documents and the boxes did, in order.
+QStringList g_events;
+
+const std::map<ViewCommand, const char*> CommandNames{
+    {ViewCommand::Print, "Print"},
+    {ViewCommand::PrintPreview, "PrintPreview"},
+    {ViewCommand::SaveAsAscii, "SaveAsAscii"},
+    {ViewCommand::SessionInfo, "SessionInfo"},
+    {ViewCommand::Find, "Find"},
+    {ViewCommand::FindNext, "FindNext"},
+    {ViewCommand::FindPrevious, "FindPrevious"},
+    {ViewCommand::ToggleBookmark, "ToggleBookmark"},
+    {ViewCommand::NextBookmark, "NextBookmark"},
+    {ViewCommand::PreviousBookmark, "PreviousBookmark"},
+    {ViewCommand::ClearBookmarks, "ClearBookmarks"},
+    {ViewCommand::CanFilter, "CanFilter"},
+    {ViewCommand::StyleKLine, "StyleKLine"},
+    {ViewCommand::StyleCan, "StyleCan"},
+};
+
+// A classic stand-in: a file whose first line is "bad" does not open; "menu 143" asks
+// for the partner's menu; the item count is the number of lines.
+class FakeDocument final : public UiDocument {
+public:
+    bool open(const QString& path, QWidget*) override {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return false;
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        if (lines.value(0) == "bad") {
+            g_events << "open failed " + QFileInfo(path).fileName();
+            return false;
+        }
+        m_path = path;
+        m_menu = lines.value(0) == "menu 143" ? 143 : 142;
+        m_items = int(lines.size());
+        emit titleChanged("Fake " + QFileInfo(path).fileName());
+        return true;
+    }
+    QWidget* createView(QWidget* parent, StatusSink* status) override;
+    void close() override { g_events << "close " + QFileInfo(m_path).fileName(); }
+    QString pathName() const override { return m_path; }
+
+    QString m_path;
+    int m_menu = 142;
+    int m_items = 0;
+};
+
+class FakeView final : public QWidget, public CommandView {
+public:
+    FakeView(FakeDocument& document, StatusSink* status, QWidget* parent)
+        : QWidget(parent), m_document(document), m_status(status) {
+        for (const auto& [command, name] : CommandNames) {
+            auto* action = new QAction(this);
+            connect(action, &QAction::triggered, this,
+                    [this, name = QString(name)] { g_events << name + " " + QFileInfo(m_document.m_path).fileName(); });
+            m_actions[command] = action;
+        }
+        // A view decides what it serves: nothing to go to without bookmarks.
+        m_actions[ViewCommand::NextBookmark]->setEnabled(false);
+    }
+    QAction* commandAction(ViewCommand command) override { return m_actions.at(command); }
+    int menuResource() const override { return m_document.m_menu; }
+    void activateView() override { m_status->SetStatusDocument(m_document.m_path, m_document.m_items); }
+
+    FakeDocument& m_document;
+    StatusSink* m_status;
+    std::map<ViewCommand, QAction*> m_actions;
+};
+
+QWidget* FakeDocument::createView(QWidget* parent, StatusSink* status) {
+    return new FakeView(*this, status, parent);
+}
+
+class FakeTemplate final : public DocumentTemplate {
+public:
+    QString extension() const override { return QString(); }
+    std::unique_ptr<UiDocument> createDocument() override { return std::make_unique<FakeDocument>(); }
+};
+
+std::unique_ptr<DocumentTemplate> MakeFakeTemplate() {
+    return std::make_unique<FakeTemplate>();
+}
+
+// Keeps each box with its parent and which child windows were maximised when it came,
+// which tells whether the windows had been cascaded before it.
+class ObservingBoxes final : public Boxes {
+public:
+    struct Box {
+        QWidget* parent;
+        QString title;
+        QString text;
+        QMessageBox::Icon icon;
+        QList<bool> maximised;
+    };
+    ObservingBoxes() { Boxes::install(this); }
+    ~ObservingBoxes() override { Boxes::install(nullptr); }
+    void show(QWidget* parent, const QString& title, const QString& text, QMessageBox::Icon icon) override {
+        QList<bool> maximised;
+        if (m_app != nullptr && m_app->mainFrame() != nullptr) {
+            for (CChildFrame* child : m_app->mainFrame()->childFrames())
+                maximised << child->isMaximized();
+        }
+        boxes.push_back({parent, title, text, icon, maximised});
+        g_events << "box " + title;
+    }
+    bool askYesNo(QWidget*, const QString&, const QString&, QMessageBox::Icon) override { return false; }
+
+    CAnalyzerApp* m_app = nullptr;
+    QVector<Box> boxes;
+};
+
+QList<bool> MaximisedStates(const CMainFrame& frame) {
+    QList<bool> states;
+    for (CChildFrame* child : frame.childFrames())
+        states << child->isMaximized();
+    return states;
+}
+
+// The menu bar as "title: item|item|..." with shortcuts behind a tab, the way a
+// resource writes them.
+QStringList MenuBarLayout(QMainWindow& window) {
+    QStringList layout;
+    for (QAction* popupAction : window.menuBar()->actions()) {
+        QStringList items;
+        for (QAction* action : popupAction->menu()->actions()) {
+            if (action->isSeparator())
+                continue;
+            QString text = action->text();
+            if (!action->shortcut().isEmpty())
+                text += "\t" + action->shortcut().toString(QKeySequence::PortableText);
+            items << text;
+        }
+        layout << popupAction->text() + ": " + items.join('|');
+    }
+    return layout;
+}
+
+QAction* MenuItem(QMainWindow& window, const QString& popup, const QString& text) {
+    for (QAction* popupAction : window.menuBar()->actions()) {
+        if (popupAction->text() != popup)
+            continue;
+        for (QAction* action : popupAction->menu()->actions()) {
+            if (action->text() == text)
+                return action;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class AnalyzerAppTest : public QObject {
+    Q_OBJECT
+
+private:
+    QString write(const QString& name, const QByteArray& content = "line\nline\n") {
+        const QString path = m_files->filePath(name);
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly))
+            qFatal("cannot write %s", qPrintable(path));
+        file.write(content);
+        return path;
+    }
+    std::unique_ptr<CAnalyzerApp> start(const QStringList& arguments = {}) {
+        auto app = std::make_unique<CAnalyzerApp>(&MakeFakeTemplate);
+        m_boxes->m_app = app.get();
+        if (!app->InitInstance(arguments))
+            qWarning("start-up failed");
+        return app;
+    }
+    static QString familyOf(UiDocument* document) {
+        if (document == nullptr)
+            return "none";
+        if (auto* placeholder = qobject_cast<PlaceholderDocument*>(document))
+            return placeholder->kindName();
+        return "classic";
+    }
+
+    std::unique_ptr<QTemporaryDir> m_files;
+    std::unique_ptr<ObservingBoxes> m_boxes;
+
+private slots:
+    void init() {
+        m_files = std::make_unique<QTemporaryDir>();
+        m_boxes = std::make_unique<ObservingBoxes>();
+        g_events.clear();
+        QSettings("Norvika", "ZDT7").clear();
+    }
+    void cleanup() { m_boxes.reset(); }
+
+    void routesByExtensionWithoutAskingTheWhitelist() {
+        ObservingBoxes& boxes = *m_boxes;
+        auto app = start();
+        QCOMPARE(familyOf(app->openDocumentFile(write("upper.XPVT"))), QString("XPVT"));
+        QCOMPARE(familyOf(app->openDocumentFile(write("mixed.Snp"))), QString("Snapshot"));
+        QCOMPARE(familyOf(app->openDocumentFile(write("one.trX"))), QString("classic"));
+        QCOMPARE(familyOf(app->openDocumentFile(write("other.txt"))), QString("classic"));
+        QCOMPARE(familyOf(app->openDocumentFile(write("noextension"))), QString("classic"));
+        // Only the file name's extension counts, not a folder's.
+        QCOMPARE(familyOf(app->openDocumentFile(write("folder.xpvt/inner"))), QString("classic"));
+        QCOMPARE(familyOf(app->openDocumentFile(write("twice.snp.trc"))), QString("classic"));
+        QCOMPARE(app->mainFrame()->childFrames().size(), 7);
+        QVERIFY(boxes.boxes.isEmpty());
+
+        // The stand-in families open any file and say that they cannot show it yet.
+        CChildFrame* xpvt = app->mainFrame()->childFrames().first();
+        QCOMPARE(xpvt->windowTitle(), QFileInfo(m_files->filePath("upper.XPVT")).absoluteFilePath());
+        auto* line = qobject_cast<QLabel*>(xpvt->widget());
+        QVERIFY(line != nullptr);
+        QCOMPARE(line->text(), QString("XPVT files cannot be shown yet."));
+    }
+
+    void fileDialogOpensAcceptedCascadesThenWarns() {
+        ObservingBoxes& boxes = *m_boxes;
+        auto app = start();
+        const QString trace = write("a.trc");
+        const QString xpvt = write("b.xpvt");
+        const QString unknown = write("c.doc");
+
+        app->OpenSelectedFiles({trace, unknown, xpvt});
+
+        CMainFrame& frame = *app->mainFrame();
+        QCOMPARE(frame.childFrames().size(), 2);
+        QCOMPARE(frame.childFrames()[0]->document()->pathName(), trace);
+        QCOMPARE(frame.childFrames()[1]->document()->pathName(), xpvt);
+        QCOMPARE(MaximisedStates(frame), QList<bool>({false, false}));
+        QCOMPARE(boxes.boxes.size(), 1);
+        const ObservingBoxes::Box& box = boxes.boxes.first();
+        QCOMPARE(box.title, QString("E001_003 [Wrong file type.]"));
+        QCOMPARE(box.text, "Can't open:\n" + unknown);
+        QCOMPARE(box.icon, QMessageBox::Warning);
+        QVERIFY(box.parent == nullptr);
+        // The dialog's windows are arranged before the warning comes.
+        QCOMPARE(box.maximised, QList<bool>({false, false}));
+    }
+
+    void fileDialogWithOnlyUnknownFilesWarnsWithoutCascade() {
+        ObservingBoxes& boxes = *m_boxes;
+        auto app = start();
+        QVERIFY(app->openDocumentFile(write("open.trc")) != nullptr);
+        const QString first = write("x.trc3");
+        const QString second = write("y.");
+
+        app->OpenSelectedFiles({first, second});
+
+        QCOMPARE(app->mainFrame()->childFrames().size(), 1);
+        QCOMPARE(MaximisedStates(*app->mainFrame()), QList<bool>({true}));
+        QCOMPARE(boxes.boxes.size(), 1);
+        QCOMPARE(boxes.boxes.first().text, "Can't open:\n" + first + "\n" + second);
+    }
+
+    void fileDialogCascadesEvenWhenTheAcceptedFileFailsToOpen() {
+        ObservingBoxes& boxes = *m_boxes;
+        auto app = start();
+        QVERIFY(app->openDocumentFile(write("open.trc")) != nullptr);
+
+        app->OpenSelectedFiles({write("broken.trc", "bad\n")});
+
+        QCOMPARE(app->mainFrame()->childFrames().size(), 1);
+        QCOMPARE(MaximisedStates(*app->mainFrame()), QList<bool>({false}));
+        QVERIFY(boxes.boxes.isEmpty());
+        QCOMPARE(g_events, QStringList({"open failed broken.trc"}));
+    }
+
+    void droppedFilesWarnOnTheFrameBeforeTheCascade() {
+        ObservingBoxes& boxes = *m_boxes;
+        auto app = start();
+        CMainFrame& frame = *app->mainFrame();
+        const QString trace = write("dropped.tr0");
+        const QString unknown = write("dropped.bin");
+
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(trace), QUrl::fromLocalFile(unknown)});
+        QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&frame, &enter);
+        QVERIFY(enter.isAccepted());
+        QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&frame, &drop);
+
+        QCOMPARE(frame.childFrames().size(), 1);
+        QCOMPARE(frame.childFrames()[0]->document()->pathName(), trace);
+        QCOMPARE(boxes.boxes.size(), 1);
+        const ObservingBoxes::Box& box = boxes.boxes.first();
+        QCOMPARE(box.title, QString("E005_001 [Wrong file type.]"));
+        QCOMPARE(box.text, "Can't open:\n" + unknown);
+        QCOMPARE(box.icon, QMessageBox::Warning);
+        QVERIFY(box.parent == &frame);
+        QCOMPARE(box.maximised, QList<bool>({true}));
+        QCOMPARE(MaximisedStates(frame), QList<bool>({false}));
+
+        // Only unknown files: the warning, and the windows stay as they are.
+        boxes.boxes.clear();
+        frame.childFrames()[0]->showMaximized();
+        frame.OnDropFiles({write("only.png")});
+        QCOMPARE(boxes.boxes.size(), 1);
+        QCOMPARE(frame.childFrames().size(), 1);
+        QCOMPARE(MaximisedStates(frame), QList<bool>({true}));
+    }
+
+    void commandLineOpensItsFileOrNothing() {
+        {
+            auto app = start();
+            QVERIFY(app->mainFrame()->isVisible());
+            QVERIFY(app->mainFrame()->childFrames().isEmpty());
+            QCOMPARE(app->mainFrame()->menuResourceShown(), 128);
+        }
+        {
+            // No whitelist here: any extension reaches the classic family.
+            const QString path = write("from-shell.log");
+            auto app = std::make_unique<CAnalyzerApp>(&MakeFakeTemplate);
+            QVERIFY(app->InitInstance({path}));
+            QCOMPARE(app->mainFrame()->childFrames().size(), 1);
+            QCOMPARE(app->mainFrame()->childFrames()[0]->document()->pathName(), path);
+            QVERIFY(app->mainFrame()->childFrames()[0]->isMaximized());
+            QCOMPARE(app->mainFrame()->childFrames()[0]->windowTitle(), QString("Fake from-shell.log"));
+            emit app->mainFrame()->childFrames()[0]->document()->titleChanged("renamed");
+            QCOMPARE(app->mainFrame()->childFrames()[0]->windowTitle(), QString("renamed"));
+        }
+        {
+            // A command-line file that does not open ends the start-up.
+            auto app = std::make_unique<CAnalyzerApp>(&MakeFakeTemplate);
+            QVERIFY(!app->InitInstance({write("broken.trc", "bad\n")}));
+            QVERIFY(app->mainFrame()->childFrames().isEmpty());
+        }
+    }
+
+    void failedOpenLeavesNoWindowAndDisturbsNoOther() {
+        auto app = start();
+        CMainFrame& frame = *app->mainFrame();
+        QVERIFY(app->openDocumentFile(write("a.trc")) != nullptr);
+        UiDocument* second = app->openDocumentFile(write("b.trc"));
+        QVERIFY(second != nullptr);
+        const QString statusBefore = frame.statusPaneText(1);
+
+        QVERIFY(app->openDocumentFile(write("c.trc", "bad\n")) == nullptr);
+        QVERIFY(app->openDocumentFile(m_files->filePath("missing.xpvt")) == nullptr);
+
+        QCOMPARE(frame.childFrames().size(), 2);
+        QCOMPARE(frame.activeChildFrame()->document(), second);
+        QCOMPARE(frame.statusPaneText(1), statusBefore);
+        // The families' own boxes are the only trace of a failed open.
+        QCOMPARE(g_events, QStringList({"open failed c.trc", "box "}));
+        QVERIFY(!app->recentFiles().paths().contains(m_files->filePath("c.trc")));
+    }
+
+    void openingAnOpenFileActivatesItsWindow() {
+        auto app = start();
+        const QString path = write("same.trc");
+        UiDocument* first = app->openDocumentFile(path);
+        QVERIFY(app->openDocumentFile(write("other.trc")) != nullptr);
+        QCOMPARE(app->openDocumentFile(path), first);
+        QCOMPARE(app->openDocumentFile(m_files->path() + "/sub/../same.trc"), first);
+        QCOMPARE(app->mainFrame()->childFrames().size(), 2);
+        QCOMPARE(app->mainFrame()->activeChildFrame()->document(), first);
+    }
+
+    void statusFollowsTheActiveDocument() {
+        auto app = start();
+        CMainFrame& frame = *app->mainFrame();
+        const QString a = write("a.trc", "1\n2\n");
+        const QString b = write("b.trc", "1\n2\n3\n4\n");
+        app->openDocumentFile(a);
+        QCOMPARE(frame.statusPaneText(1), a);
+        QCOMPARE(frame.statusPaneText(2), QString("No of Items 3"));
+        QCOMPARE(frame.windowTitle(), QString("ZDT-Analyzer - [Fake a.trc]"));
+        app->openDocumentFile(b);
+        QCOMPARE(frame.statusPaneText(1), b);
+        QCOMPARE(frame.statusPaneText(2), QString("No of Items 5"));
+
+        frame.mdiArea()->setActiveSubWindow(frame.childFrames()[0]);
+        QCOMPARE(frame.statusPaneText(1), a);
+        QCOMPARE(frame.statusPaneText(2), QString("No of Items 3"));
+
+        frame.SetStatusText("working");
+        QCOMPARE(frame.statusPaneText(1), QString("working"));
+        QCOMPARE(frame.statusPaneText(2), QString());
+
+        // Closing the active window hands the status to the one that becomes active.
+        QVERIFY(frame.childFrames()[0]->close());
+        QTRY_COMPARE(frame.childFrames().size(), 1);
+        QCOMPARE(frame.statusPaneText(1), b);
+        QCOMPARE(frame.windowTitle(), QString("ZDT-Analyzer - [Fake b.trc]"));
+        frame.cascade();
+        QCOMPARE(frame.windowTitle(), QString("ZDT-Analyzer - Fake b.trc"));
+        QVERIFY(frame.childFrames()[0]->close());
+        QTRY_VERIFY(frame.childFrames().isEmpty());
+        QCOMPARE(frame.statusPaneText(1), QString());
+        QCOMPARE(frame.statusPaneText(2), QString("No of Items 0"));
+        QCOMPARE(frame.windowTitle(), QString("ZDT-Analyzer"));
+        QCOMPARE(frame.menuResourceShown(), 128);
+        QCOMPARE(g_events, QStringList({"close a.trc", "close b.trc"}));
+    }
+
+    void recentFilesAreKeptNewestFirst() {
+        QStringList opened;
+        {
+            auto app = start();
+            for (int i = 0; i < 9; ++i) {
+                opened << write(QString("r%1.trc").arg(i));
+                QVERIFY(app->openDocumentFile(opened.last()) != nullptr);
+            }
+            app->openDocumentFile(write("failing.trc", "bad\n"));
+        }
+        QSettings settings("Norvika", "ZDT7");
+        settings.beginGroup("Recent File List");
+        for (int i = 0; i < 8; ++i)
+            QCOMPARE(settings.value(QString("File%1").arg(i + 1)).toString(), opened[8 - i]);
+        QVERIFY(!settings.contains("File9"));
+
+        // A new run lists them in its File menu; an entry that no longer opens leaves the list.
+        auto app = start();
+        QCOMPARE(app->recentFiles().paths().size(), 8);
+        QVERIFY(MenuItem(*app->mainFrame(), "&File", "&1 " + opened[8]) != nullptr);
+        QVERIFY(MenuItem(*app->mainFrame(), "&File", "&8 " + opened[1]) != nullptr);
+        write("r5.trc", "bad\n");
+        QAction* entry = MenuItem(*app->mainFrame(), "&File", "&4 " + opened[5]);
+        QVERIFY(entry != nullptr);
+        entry->trigger();
+        QVERIFY(!app->recentFiles().paths().contains(opened[5]));
+        QCOMPARE(app->recentFiles().paths().size(), 7);
+        QVERIFY(MenuItem(*app->mainFrame(), "&File", "&4 " + opened[4]) != nullptr);
+
+        // Opening again puts a file first.
+        QVERIFY(app->openDocumentFile(opened[2]) != nullptr);
+        QCOMPARE(app->recentFiles().paths().first(), opened[2]);
+        settings.sync();
+        QCOMPARE(settings.value("File1").toString(), opened[2]);
+    }
+
+    void classicMenusCarryTheResourceTextsAndTheViewsCommands() {
+        auto app = start();
+        CMainFrame& frame = *app->mainFrame();
+        QCOMPARE(MenuBarLayout(frame), QStringList({"&File: &Open...\tCtrl+O|P&rint Setup...|Recent File|E&xit",
+                                                    "&View: &Toolbar|B&ookmark Toolbar|&Status Bar",
+                                                    "&Help: &Help Topics\tF1|&About ZDT-Analyzer..."}));
+
+        app->openDocumentFile(write("standard.trc"));
+        QCOMPARE(frame.menuResourceShown(), 142);
+        const QStringList standard = MenuBarLayout(frame);
+        QCOMPARE(standard.size(), 5);
+        QCOMPARE(standard[0], "&File: &Open...\tCtrl+O|&Close|&Print...\tCtrl+P|Print Pre&view|P&rint Setup...|"
+                              "Save &As ASCII file...|&1 " +
+                                  m_files->filePath("standard.trc") + "|E&xit");
+        QCOMPARE(standard[1], QString("&Session: Session Info...|&Find\tCtrl+F|Find &Next\tCtrl+F3|"
+                                      "Find &Previous\tCtrl+Shift+F3|&Toggle Bookmark\tCtrl+F2|"
+                                      "&Goto Next Bookmark\tF2|Goto Previous &Bookmark\tShift+F2|"
+                                      "Clear All Bookmarks\tCtrl+Shift+F2|&Can Filter ..."));
+        QCOMPARE(standard[2], QString("&View: Style KLine Link|Style CAN Link|&Toolbar|B&ookmark Toolbar|&Status Bar"));
+        QCOMPARE(standard[3], QString("&Window: &Cascade|Tile &Horizontally|Tile &Vertically"));
+        QCOMPARE(standard[4], QString("&Help: &Help Topics\tF1|&About ZDT-Analyzer..."));
+
+        // The items run the view's commands and show the view's enabled state.
+        auto* view = dynamic_cast<FakeView*>(frame.activeChildFrame()->widget());
+        QAction* find = MenuItem(frame, "&Session", "&Find");
+        QCOMPARE(find, view->m_actions.at(ViewCommand::Find));
+        find->trigger();
+        QCOMPARE(g_events.last(), QString("Find standard.trc"));
+        QVERIFY(!MenuItem(frame, "&Session", "&Goto Next Bookmark")->isEnabled());
+        QVERIFY(frame.bookmarkToolBar()->actions().contains(view->m_actions.at(ViewCommand::ToggleBookmark)));
+        QAction* bookmarkBar = MenuItem(frame, "&View", "B&ookmark Toolbar");
+        QVERIFY(bookmarkBar->isChecked());
+        bookmarkBar->trigger();
+        QVERIFY(frame.bookmarkToolBar()->isHidden());
+        QVERIFY(!bookmarkBar->isChecked());
+        bookmarkBar->trigger();
+        QVERIFY(!frame.bookmarkToolBar()->isHidden());
+
+        // The partner's menu keeps its trailing blank and its own about text; only the
+        // active view's actions carry the keys.
+        app->openDocumentFile(write("partner.trc", "menu 143\n"));
+        QCOMPARE(frame.menuResourceShown(), 143);
+        const QStringList partner = MenuBarLayout(frame);
+        QCOMPARE(partner[2], QString("&View: Style KLine Link |Style CAN Link|&Toolbar|B&ookmark Toolbar|&Status Bar"));
+        QCOMPARE(partner[4], QString("&Help: &Help Topics\tF1|&About OVX-ANALYZER..."));
+        QVERIFY(view->m_actions.at(ViewCommand::Find)->shortcut().isEmpty());
+        frame.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&frame));
+        QTest::keyClick(&frame, Qt::Key_F, Qt::ControlModifier);
+        QCOMPARE(g_events.last(), QString("Find partner.trc"));
+
+        // Every view closed: back to the edition's menu, with the commands still there but off.
+        frame.mdiArea()->closeAllSubWindows();
+        QTRY_VERIFY(frame.childFrames().isEmpty());
+        QCOMPARE(frame.menuResourceShown(), 128);
+        for (QAction* action : frame.bookmarkToolBar()->actions())
+            QVERIFY(!action->isEnabled());
+    }
+
+    void windowsAreArranged() {
+        auto app = start();
+        CMainFrame& frame = *app->mainFrame();
+        frame.resize(900, 700);
+        app->openDocumentFile(write("a.trc"));
+        app->openDocumentFile(write("b.trc"));
+        const QRect area = frame.mdiArea()->viewport()->rect();
+
+        frame.tileVertically();
+        QCOMPARE(frame.childFrames()[0]->geometry(), QRect(0, 0, area.width() / 2, area.height()));
+        QCOMPARE(frame.childFrames()[1]->geometry().left(), area.width() / 2);
+        frame.tileHorizontally();
+        QCOMPARE(frame.childFrames()[0]->geometry(), QRect(0, 0, area.width(), area.height() / 2));
+        QCOMPARE(frame.childFrames()[1]->geometry().top(), area.height() / 2);
+        QCOMPARE(MaximisedStates(frame), QList<bool>({false, false}));
+    }
+
+    void perRunDirectoryGoesAtExit() {
+        auto app = start();
+        const QString session = app->sessionTempDir();
+        QVERIFY(session.startsWith(QDir(qEnvironmentVariable("ZDT_ANALYZER_HOME")).filePath("Temp/temp")));
+        QVERIFY(QFileInfo(session).isDir());
+        QFile leftover(session + "swap.fc");
+        QVERIFY(leftover.open(QIODevice::WriteOnly));
+        leftover.close();
+        app->openDocumentFile(write("open.trc"));
+
+        app.reset();
+        QVERIFY(!QFileInfo::exists(session));
+        QVERIFY(QFileInfo(QDir(qEnvironmentVariable("ZDT_ANALYZER_HOME")).filePath("Temp")).isDir());
+        // Documents still open at the end are closed first.
+        QCOMPARE(g_events, QStringList({"close open.trc"}));
+    }
+
+    void aboutBoxesByEdition() {
+        const AboutBox standard(zdt::EditionInfoFor(zdt::BrandEditionStandard), "1.2.3");
+        QCOMPARE(standard.windowTitle(), QString("About ZDT-Analyzer"));
+        QCOMPARE(standard.lines(), QStringList({"ZDT-Analyzer", "Version 1.2.3"}));
+        const AboutBox partner(zdt::EditionInfoFor(zdt::BrandEditionPartner), "1.2.3");
+        QCOMPARE(partner.windowTitle(), QString("About OVX-ANALYZER"));
+        QCOMPARE(partner.lines(), QStringList({"OVX-ANALYZER", "Vehicle Analyzer V7", "Version 1.2.3"}));
+        const AboutBox customer(zdt::EditionInfoFor(zdt::BrandEditionCustomer), "1.2.3");
+        QCOMPARE(customer.windowTitle(), QString("About ZDT-Analyzer NORDWAGEN AG"));
+        QCOMPARE(customer.lines(), QStringList({"ZDT-Analyzer NORDWAGEN AG", "Version 1.2.3"}));
+    }
+
+    void helpShowsTheBundledPage() {
+        ObservingBoxes& boxes = *m_boxes;
+        auto app = start();
+        // Beside a test program there is no installation, so the page is missing there.
+        QVERIFY(!QFileInfo::exists(CAnalyzerApp::HelpPagePath()));
+        app->mainFrame()->frameAction(FrameCommand::Help)->trigger();
+        QCOMPARE(boxes.boxes.size(), 1);
+        QVERIFY(boxes.boxes.first().text.contains("analyzer_5.htm"));
+        QVERIFY(QApplication::overrideCursor() == nullptr);
+
+        HelpWindow window;
+        window.showPage(QStringLiteral(ZDT_SAMPLES_DIR "/../Analyzer/help/analyzer_5.htm"));
+        QCOMPARE(window.windowTitle(), QString("ZDT-Analyzer Help"));
+        QVERIFY(window.toPlainText().contains("trace"));
+    }
+};
+
+int main(int argc, char* argv[]) {
+    // Settings and temporary directories of this run stay in a folder of their own.
+    QTemporaryDir home;
+    qputenv("XDG_CONFIG_HOME", QDir(home.path()).filePath("config").toUtf8());
+    qputenv("ZDT_ANALYZER_HOME", QDir(home.path()).filePath("analyzer").toUtf8());
+    qunsetenv("ZDT_BRAND");
+    QApplication application(argc, argv);
+    AnalyzerAppTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "AnalyzerAppTest.moc"
