@@ -1,6 +1,7 @@
-// zdt-gen: writes generated classic traces and CAN filter files.
+// zdt-gen: writes generated classic traces, CAN filter files and snapshot files.
 
 #include "ClassicTraceGenerator.h"
+#include "SnapshotGenerator.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,6 +18,7 @@ const char* const kUsage =
     R"(usage:
   zdt-gen classic [options] OUT          a classic trace; OUT "-" writes to standard output
   zdt-gen flt --type StopFilter|PassFilter --ids 7E8,7DF [--plain] OUT
+  zdt-gen snp [--seed N] [--snapshots N | --bytes N] [--hostile LIST] [options] OUT
   zdt-gen --help
 
 classic options:
@@ -49,6 +51,22 @@ flt options:
   --type T                StopFilter or PassFilter (any text is written as given)
   --ids LIST              comma list of hexadecimal identifiers; extended ones with bit 31 set
   --plain                 values as plain hex instead of 0x-prefixed
+
+snp options:
+  --seed N                random seed (default 1)
+  --snapshots N           snapshots to write (default 4)
+  --bytes N               write snapshots until the file holds N bytes (suffix K, M, G)
+  --hostile LIST          comma list of unknown, catchall, split, control, nonascii, huge,
+                          deep, truncated, foreign; "all" is the first seven (the file stays
+                          a well-formed snapshot list); truncated and foreign must be named
+  --huge-bytes N          size of the huge attribute value (default 1M)
+  --depth N               levels of the deep nesting (default 300)
+  --created TEXT          "Created" of SnapList (default "14:05:09,21.11.2023")
+  --no-created            no "Created" on SnapList
+  --compact               no line breaks or indentation between elements
+  --rows FILE             also write the rows a reader must list: "#DateTime" TAB value,
+                          then per row flags, Event, Description, Name, Value, Unit by TABs;
+                          not written for a truncated file, which opens no document
 )";
 
 struct UsageError : std::runtime_error {
@@ -307,6 +325,88 @@ int RunFilter(Arguments args) {
     return 0;
 }
 
+void EnableSnapshotHostile(zdtgen::SnapshotHostile& h, const std::string& list) {
+    for (const auto& kind : SplitCommas(list)) {
+        if (kind == "unknown") h.unknownElements = true;
+        else if (kind == "catchall") h.catchAllChildren = true;
+        else if (kind == "split") h.splitText = true;
+        else if (kind == "control") h.controlChars = true;
+        else if (kind == "nonascii") h.nonAscii = true;
+        else if (kind == "huge") h.hugeAttributes = true;
+        else if (kind == "deep") h.deepNesting = true;
+        else if (kind == "truncated") h.truncatedEnd = true;
+        else if (kind == "foreign") h.foreignRoot = true;
+        else if (kind == "all") {
+            zdtgen::SnapshotHostile all = zdtgen::SnapshotHostile::InFileKinds();
+            all.truncatedEnd = h.truncatedEnd;
+            all.foreignRoot = h.foreignRoot;
+            all.hugeAttributeBytes = h.hugeAttributeBytes;
+            all.nestingDepth = h.nestingDepth;
+            h = all;
+        } else
+            throw UsageError("unknown hostile kind: " + kind);
+    }
+}
+
+bool ParseSnapshotOption(zdtgen::SnapshotOptions& o, const std::string& arg, Arguments& args) {
+    if (arg == "--seed") o.seed = ParseCount(args.Value(arg));
+    else if (arg == "--snapshots") { o.snapshots = ParseCount(args.Value(arg)); o.targetBytes = 0; }
+    else if (arg == "--bytes") o.targetBytes = ParseCount(args.Value(arg));
+    else if (arg == "--hostile") EnableSnapshotHostile(o.hostile, args.Value(arg));
+    else if (arg == "--huge-bytes") o.hostile.hugeAttributeBytes = static_cast<std::uint32_t>(ParseCount(args.Value(arg)));
+    else if (arg == "--depth") o.hostile.nestingDepth = static_cast<std::uint32_t>(ParseCount(args.Value(arg)));
+    else if (arg == "--created") o.listCreated = args.Value(arg);
+    else if (arg == "--no-created") o.listCreated.reset();
+    else if (arg == "--compact") o.indent = false;
+    else return false;
+    return true;
+}
+
+int RunSnapshot(Arguments args) {
+    zdtgen::SnapshotOptions o;
+    std::string rowsPath;
+    std::string outPath;
+    bool countGiven = false, bytesGiven = false;
+    while (!args.Done()) {
+        const std::string arg = args.Next();
+        countGiven = countGiven || arg == "--snapshots";
+        bytesGiven = bytesGiven || arg == "--bytes";
+        if (ParseSnapshotOption(o, arg, args))
+            continue;
+        if (arg == "--rows")
+            rowsPath = args.Value(arg);
+        else if (arg.size() > 1 && arg[0] == '-')
+            throw UsageError("unknown option: " + arg);
+        else if (!outPath.empty())
+            throw UsageError("more than one output file");
+        else
+            outPath = arg;
+    }
+    if (countGiven && bytesGiven)
+        throw UsageError("--snapshots and --bytes exclude each other");
+    if (outPath.empty())
+        throw UsageError("no output file");
+    if (!rowsPath.empty() && o.hostile.truncatedEnd) {
+        std::cerr << "zdt-gen: no rows file for a truncated snapshot file: it opens no document\n";
+        rowsPath.clear();
+    }
+    std::ofstream rows;
+    if (!rowsPath.empty()) {
+        rows.open(rowsPath, std::ios::binary | std::ios::trunc);
+        if (!rows)
+            throw std::runtime_error("cannot create " + rowsPath);
+    }
+    WriteOutput(outPath, [&](std::ostream& out) {
+        zdtgen::WriteSnapshotWithRows(out, rowsPath.empty() ? nullptr : &rows, o);
+    });
+    if (!rowsPath.empty()) {
+        rows.close();
+        if (!rows)
+            throw std::runtime_error("cannot write " + rowsPath);
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -327,6 +427,8 @@ int main(int argc, char** argv) {
             return RunClassic(Arguments(argc, argv, 2));
         if (command == "flt")
             return RunFilter(Arguments(argc, argv, 2));
+        if (command == "snp")
+            return RunSnapshot(Arguments(argc, argv, 2));
         throw UsageError("unknown command: " + command);
     } catch (const UsageError& e) {
         std::cerr << "zdt-gen: " << e.what() << "\n" << kUsage;
