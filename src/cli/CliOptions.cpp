@@ -54,7 +54,14 @@ const char* UsageText() {
            "  --error-passive --warning-96 --error-active --received-corrupted-bytes\n"
            "  --bus-off --buffer-overflow --error-frame --timer-overflow   event checks\n"
            "  --mark-all       also turn every hit into a bookmark\n"
-           "A filter named in the trace's history is not re-applied; give --can-filter for that.\n";
+           "A filter named in the trace's history is not re-applied; give --can-filter for that.\n"
+           "\n"
+           "Snapshot files (.snp, any case):\n"
+           "  rows FILE.snp    LINE ROWFLAGS FIELD1 ... FIELD5, separated by tabs, as stored\n"
+           "  info FILE.snp    the session information and the number of rows\n"
+           "  find FILE.snp name=value ...\n"
+           "                   one search with the fields of the search criteria, e.g.\n"
+           "                   searchService=1 serviceNameOn=1 serviceName=Read\n";
 }
 
 CliArguments ParseCliArguments(int argc, char** argv) {

@@ -1,6 +1,7 @@
 // zdt-cli: the trace core as a command-line tool. It reads traces and never writes into them.
 #include "ClassicCommands.h"
 #include "CliOptions.h"
+#include "SnpCommands.h"
 #include "app/DocumentRoute.h"
 
 #include <cstdio>
@@ -18,6 +19,8 @@ int Dispatch(const CliArguments& args) {
     if (args.files.empty())
         throw UsageError{args.command + " needs a file"};
     const zdt::DocumentFamily family = zdt::FamilyForPath(args.files[0]);
+    if (family == zdt::DocumentFamily::Snp)
+        return RunSnpCommand(args);
     if (family != zdt::DocumentFamily::Classic) {
         std::fprintf(stderr, "%s: this kind of document cannot be read by zdt-cli yet\n", args.files[0].c_str());
         return 1;

@@ -1,0 +1,190 @@
+#include "xmldoc/BaseDoc.h"
+
+#include <algorithm>
+#include <climits>
+
+namespace ZDTAnalyzer {
+
+void BaseDoc::Description::setField(std::string /*name*/, std::string /*value*/) {}
+
+int BaseDoc::ProxyBookmarkArrayImpl::size() const {
+    return static_cast<int>(m_bookmarks->size());
+}
+
+int BaseDoc::ProxyBookmarkArrayImpl::row(int index) const {
+    return m_bookmarks->at(index).row;
+}
+
+std::string BaseDoc::ProxyBookmarkArrayImpl::name(int index) const {
+    return m_bookmarks->at(index).name;
+}
+
+std::string BaseDoc::ProxyBookmarkArrayImpl::description(int index) const {
+    return m_bookmarks->at(index).description;
+}
+
+void BaseDoc::ProxyBookmarkArrayImpl::setDescription(int index, std::string description) {
+    m_bookmarks->at(index).description = std::move(description);
+}
+
+void BaseDoc::updateAllViews() {
+    if (m_updateListener)
+        m_updateListener();
+}
+
+bool BaseDoc::setRowMark(int row, std::size_t position, char mark) {
+    std::string text = m_container.readRow(row);
+    if (text.size() <= 2)
+        return false;
+    text[position] = mark;
+    m_container.rewriteRow(row, text);
+    return true;
+}
+
+bool BaseDoc::isBookmarked(int row) {
+    const std::string text = m_container.readRow(row);
+    return text.size() > 2 && text[BookmarkMarkPosition] != MarkClear;
+}
+
+void BaseDoc::addBookmark(int row, std::string name, std::string description) {
+    if (!setRowMark(row, BookmarkMarkPosition, MarkSet))
+        return;
+    m_bookmarks.push_back(Bookmark{row, std::move(name), std::move(description)});
+    updateAllViews();
+}
+
+void BaseDoc::removeBookmark(int row) {
+    if (!setRowMark(row, BookmarkMarkPosition, MarkClear))
+        return;
+    const auto found =
+        std::find_if(m_bookmarks.begin(), m_bookmarks.end(), [row](const Bookmark& b) { return b.row == row; });
+    if (found != m_bookmarks.end())
+        m_bookmarks.erase(found);
+    updateAllViews();
+}
+
+void BaseDoc::clearBookmarks() {
+    for (const Bookmark& bookmark : m_bookmarks)
+        setRowMark(bookmark.row, BookmarkMarkPosition, MarkClear);
+    m_bookmarks.clear();
+    updateAllViews();
+}
+
+void BaseDoc::markFindResult(int row) {
+    if (!m_findResults.empty() && row < m_findResults.back())
+        m_findResultsSorted = false;
+    // The result counts even when the row has no room for a mark.
+    m_findResults.push_back(row);
+    setRowMark(row, FindMarkPosition, MarkSet);
+}
+
+void BaseDoc::clearFindResults() {
+    for (int row : m_findResults)
+        setRowMark(row, FindMarkPosition, MarkClear);
+    m_findResults.clear();
+    m_findResultsSorted = true;
+}
+
+std::vector<BaseDoc::Bookmark> BaseDoc::bookmarkCopy() const {
+    return std::vector<Bookmark>(m_bookmarks.begin(), m_bookmarks.end());
+}
+
+// Bookmarks are kept in order of setting, so both walks visit all of them.
+int BaseDoc::nextBookmark(int currentRow) const {
+    if (m_bookmarks.empty())
+        return -1;
+    int above = INT_MAX;
+    int smallest = INT_MAX;
+    for (const Bookmark& bookmark : m_bookmarks) {
+        if (bookmark.row > currentRow && bookmark.row < above)
+            above = bookmark.row;
+        smallest = std::min(smallest, bookmark.row);
+    }
+    return above != INT_MAX ? above : smallest;
+}
+
+int BaseDoc::previousBookmark(int currentRow) const {
+    if (m_bookmarks.empty())
+        return -1;
+    int below = INT_MIN;
+    int largest = INT_MIN;
+    for (const Bookmark& bookmark : m_bookmarks) {
+        if (bookmark.row < currentRow && bookmark.row > below)
+            below = bookmark.row;
+        largest = std::max(largest, bookmark.row);
+    }
+    return below != INT_MIN ? below : largest;
+}
+
+int BaseDoc::nextFindResult(int currentRow) const {
+    if (m_findResults.empty())
+        return -1;
+    return m_findResultsSorted ? nextFindResultSorted(currentRow) : nextFindResultLinear(currentRow);
+}
+
+int BaseDoc::previousFindResult(int currentRow) const {
+    if (m_findResults.empty())
+        return -1;
+    return m_findResultsSorted ? previousFindResultSorted(currentRow) : previousFindResultLinear(currentRow);
+}
+
+// A search may mark very many rows, so ascending results are bisected.
+int BaseDoc::nextFindResultSorted(int currentRow) const {
+    const std::vector<int>& results = m_findResults;
+    if (results.back() <= currentRow)
+        return results.front();
+    std::size_t low = 0;
+    std::size_t high = results.size() - 1;
+    while (low + 1 < high) {
+        if (results[low] > currentRow)
+            return results[low];
+        const std::size_t middle = (low + high) / 2;
+        if (results[middle] > currentRow)
+            high = middle;
+        else
+            low = middle;
+    }
+    return results[low] > currentRow ? results[low] : results[high];
+}
+
+int BaseDoc::previousFindResultSorted(int currentRow) const {
+    const std::vector<int>& results = m_findResults;
+    if (results.front() >= currentRow)
+        return results.back();
+    std::size_t low = 0;
+    std::size_t high = results.size() - 1;
+    while (low + 1 < high) {
+        if (results[high] < currentRow)
+            return results[high];
+        const std::size_t middle = (low + high) / 2;
+        if (results[middle] < currentRow)
+            low = middle;
+        else
+            high = middle;
+    }
+    return results[high] < currentRow ? results[high] : results[low];
+}
+
+int BaseDoc::nextFindResultLinear(int currentRow) const {
+    int above = INT_MAX;
+    int smallest = INT_MAX;
+    for (int row : m_findResults) {
+        if (row > currentRow && row < above)
+            above = row;
+        smallest = std::min(smallest, row);
+    }
+    return above != INT_MAX ? above : smallest;
+}
+
+int BaseDoc::previousFindResultLinear(int currentRow) const {
+    int below = INT_MIN;
+    int largest = INT_MIN;
+    for (int row : m_findResults) {
+        if (row < currentRow && row > below)
+            below = row;
+        largest = std::max(largest, row);
+    }
+    return below != INT_MIN ? below : largest;
+}
+
+} // namespace ZDTAnalyzer

@@ -1,0 +1,121 @@
+#pragma once
+
+#include "xmldoc/FileContainer.h"
+#include "xmldoc/ProxyBookmarkArray.h"
+
+#include <functional>
+#include <list>
+#include <string>
+#include <vector>
+
+namespace ZDTAnalyzer {
+
+// The common document of the XML trace kinds: the rows in their swap file, the marks
+// in each row's first column (rowFlags: find mark, bookmark mark, colour digit), the
+// bookmarks, the results of the last search and a request to jump to a row.
+// Bookmarks and marks live only in memory and in the swap file; nothing is saved.
+class BaseDoc {
+public:
+    struct Bookmark {
+        int row = -1;
+        std::string name;
+        std::string description;
+    };
+
+    // Session facts of a document; each concrete document keeps the fields it knows.
+    class Description {
+    public:
+        virtual ~Description() = default;
+        // The base knows no field and ignores both.
+        virtual void setField(std::string name, std::string value);
+    };
+
+    // Gives the bookmark list a view of an array the caller owns.
+    class ProxyBookmarkArrayImpl : public ProxyBookmarkArray {
+    public:
+        explicit ProxyBookmarkArrayImpl(std::vector<Bookmark>* bookmarks) : m_bookmarks(bookmarks) {}
+
+        int size() const override;
+        int row(int index) const override;
+        std::string name(int index) const override;
+        std::string description(int index) const override;
+        void setDescription(int index, std::string description) override;
+
+    private:
+        std::vector<Bookmark>* m_bookmarks;
+    };
+
+    // Positions in rowFlags and the characters a mark is written with.
+    static constexpr std::size_t FindMarkPosition = 0;
+    static constexpr std::size_t BookmarkMarkPosition = 1;
+    static constexpr std::size_t ColourDigitPosition = 2;
+    static constexpr char MarkSet = '1';
+    static constexpr char MarkClear = '0';
+
+    BaseDoc() = default;
+    virtual ~BaseDoc() = default;
+    BaseDoc(const BaseDoc&) = delete;
+    BaseDoc& operator=(const BaseDoc&) = delete;
+
+    // Null here; a concrete document returns its own description.
+    virtual Description* getDescription() { return nullptr; }
+
+    FileContainer<BaseDoc>& container() { return m_container; }
+    const FileContainer<BaseDoc>& container() const { return m_container; }
+
+    // The row views select at their next update; -1 for none.
+    int jumpRow() const { return m_jumpRow; }
+    void setJumpRow(int row) { m_jumpRow = row; }
+
+    // In order of setting.
+    const std::list<Bookmark>& bookmarks() const { return m_bookmarks; }
+    // Rows marked by the last search, in order of marking.
+    const std::vector<int>& findResults() const { return m_findResults; }
+    // True while findResults() is ascending.
+    bool findResultsSorted() const { return m_findResultsSorted; }
+
+    // Called wherever the views must refresh from the document (a new row, a mark, a
+    // jump). The desktop connects its views; the core runs fine without a listener.
+    void setUpdateListener(std::function<void()> listener) { m_updateListener = std::move(listener); }
+    void updateAllViews();
+
+    // Row operations; they read and rewrite the row through the container, so they
+    // raise FileContainerBase::Exception as the container does. A row text of 2
+    // characters or fewer has no marks to change.
+    bool isBookmarked(int row);
+    void addBookmark(int row, std::string name, std::string description);
+    void removeBookmark(int row);
+    void clearBookmarks();
+    void markFindResult(int row);
+    void clearFindResults();
+
+    // Navigation with wrap-around; -1 when there is nothing to go to. The current row
+    // itself comes back only when it is the only candidate.
+    int previousBookmark(int currentRow) const;
+    int nextBookmark(int currentRow) const;
+    int previousFindResult(int currentRow) const;
+    int nextFindResult(int currentRow) const;
+
+    // The bookmark list command is enabled only with bookmarks.
+    bool canShowBookmarkList() const { return !m_bookmarks.empty(); }
+    // A copy of the bookmarks, in order, for the bookmark list.
+    std::vector<Bookmark> bookmarkCopy() const;
+
+private:
+    // Reads the row, puts `mark` at `position` and writes the row back when it is
+    // long enough; returns whether it was.
+    bool setRowMark(int row, std::size_t position, char mark);
+    int nextFindResultSorted(int currentRow) const;
+    int previousFindResultSorted(int currentRow) const;
+    int nextFindResultLinear(int currentRow) const;
+    int previousFindResultLinear(int currentRow) const;
+
+    FileContainer<BaseDoc> m_container;
+    int m_jumpRow = -1;
+    std::list<Bookmark> m_bookmarks;
+    std::vector<int> m_findResults;
+    bool m_findResultsSorted = true;
+    std::function<void()> m_updateListener;
+};
+
+} // namespace ZDTAnalyzer

@@ -1,0 +1,134 @@
+#include "SnapshotGenerator.h"
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/wait.h>
+
+namespace {
+
+struct CliRun {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string Quote(const std::string& text) {
+    std::string quoted = "'";
+    for (const char c : text)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+// Runs zdt-cli with its temporary root inside `dir`, capturing both streams.
+CliRun Cli(const TempDir& dir, const std::vector<std::string>& args) {
+    std::string command = "ZDT_ANALYZER_HOME=" + Quote(dir.File("home")) + " " + Quote(ZDT_CLI_PATH);
+    for (const auto& arg : args)
+        command += " " + Quote(arg);
+    const std::string out = dir.File("stdout.txt"), err = dir.File("stderr.txt");
+    command += " >" + Quote(out) + " 2>" + Quote(err);
+    const int raw = std::system(command.c_str());
+    CliRun run;
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    run.out = TempDir::Read(out);
+    run.err = TempDir::Read(err);
+    return run;
+}
+
+// Every swap file and per-run directory must be gone after a run, whatever its end.
+std::size_t LeftoverFiles(const TempDir& dir) {
+    std::size_t count = 0;
+    std::error_code error;
+    for (auto it = std::filesystem::recursive_directory_iterator(dir.File("home"), error);
+         it != std::filesystem::recursive_directory_iterator(); ++it)
+        if (!it->is_directory() || it.depth() >= 1)
+            ++count;
+    return count;
+}
+
+TEST(SnpCli, RowsMatchTheGeneratorsSideFile) {
+    TempDir dir;
+    zdtgen::SnapshotOptions options;
+    options.snapshots = 10;
+    options.hostile = zdtgen::SnapshotHostile::InFileKinds();
+    options.hostile.hugeAttributeBytes = 15000;
+    options.hostile.nestingDepth = 210;
+    std::ostringstream xml, side;
+    zdtgen::WriteSnapshotWithRows(xml, &side, options);
+    const std::string path = dir.Write("Mixed.SNP", xml.str()); // the extension in any case
+
+    std::string expected;
+    std::istringstream lines(side.str());
+    std::string line;
+    int number = 0;
+    while (std::getline(lines, line))
+        if (line.rfind("#DateTime", 0) != 0)
+            expected += std::to_string(++number) + "\t" + line + "\n";
+
+    const CliRun run = Cli(dir, {"rows", path});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, expected);
+    EXPECT_EQ(LeftoverFiles(dir), 0u);
+}
+
+TEST(SnpCli, InfoAndFind) {
+    TempDir dir;
+    const std::string path = dir.Write(
+        "s.snp", "<SnapList Created='14:05:09,21.11.2023'><SnapShot ShortName='A'><LogicalLink Name='L'>"
+                 "<Service Name='ReadData'/><Service Name='Write'/><Service Name='Read'/>"
+                 "</LogicalLink></SnapShot></SnapList>");
+    const CliRun info = Cli(dir, {"info", path});
+    EXPECT_EQ(info.status, 0);
+    EXPECT_EQ(info.out, "File name: " + path + "\nDate: 21.11.2023\nTime: 14:05:09\nAuthor: ZDT V7\nRows: 7\n");
+
+    const CliRun find = Cli(dir, {"find", path, "searchService=1", "serviceNameOn=1", "serviceName=Read"});
+    EXPECT_EQ(find.status, 0) << find.err;
+    EXPECT_EQ(find.out, "3\n5\n");
+    const CliRun none = Cli(dir, {"find", path, "searchService=1", "serviceName=Read"});
+    EXPECT_EQ(none.status, 0);
+    EXPECT_EQ(none.out, "");
+    EXPECT_EQ(LeftoverFiles(dir), 0u);
+}
+
+TEST(SnpCli, FailuresAndBadArguments) {
+    TempDir dir;
+    const CliRun truncated = Cli(dir, {"rows", dir.Write("t.snp", "<SnapList>\n<SnapShot ShortName='A")});
+    EXPECT_EQ(truncated.status, 1);
+    EXPECT_EQ(truncated.out, "");
+    EXPECT_EQ(truncated.err, "XML error: 2 unclosed token\n");
+
+    const CliRun missing = Cli(dir, {"info", dir.File("none.snp")});
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err, "Could not open input xml file.\n");
+    EXPECT_EQ(LeftoverFiles(dir), 0u);
+
+    const std::string good = dir.Write("g.snp", "<SnapList/>");
+    for (const std::vector<std::string>& args :
+         {std::vector<std::string>{"find", good, "unknownField=1"}, {"find", good, "searchService=yes"},
+          {"find", good, "serviceName"}, {"rows", good, good}, {"sbt", good, dir.File("out.sbt")}}) {
+        const CliRun run = Cli(dir, args);
+        EXPECT_EQ(run.status, 2) << args[0] << " " << args.back();
+        EXPECT_NE(run.err.find("usage:"), std::string::npos);
+    }
+}
+
+// An interrupted run removes its swap file and per-run directory on the way out.
+TEST(SnpCli, InterruptLeavesNoSwapFile) {
+    TempDir dir;
+    zdtgen::SnapshotOptions options;
+    options.targetBytes = 60u << 20;
+    std::ofstream out(dir.File("big.snp"), std::ios::binary);
+    zdtgen::WriteSnapshot(out, options);
+    out.close();
+    const std::string command = "ZDT_ANALYZER_HOME=" + Quote(dir.File("home")) + " " + Quote(ZDT_CLI_PATH) +
+                                " rows " + Quote(dir.File("big.snp")) + " >/dev/null 2>&1 & pid=$!; sleep 0.3; " +
+                                "kill -INT $pid; wait $pid; echo $? >" + Quote(dir.File("status"));
+    std::system(command.c_str());
+    EXPECT_EQ(TempDir::Read(dir.File("status")), "130\n");
+    EXPECT_EQ(LeftoverFiles(dir), 0u);
+}
+
+} // namespace
