@@ -6,22 +6,23 @@ root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 seconds="${1:-60}"
 ZDT_WITH_FUZZ=1 "$root/scripts/install-deps.sh"
 CC=clang CXX=clang++ "$root/scripts/build.sh" "$root/build-fuzz" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-    -DZDT_FUZZ=ON -DZDT_SANITIZE=ON -DZDT_BUILD_TESTS=OFF -DZDT_BUILD_BENCH=OFF
+    -DZDT_FUZZ=ON -DZDT_SANITIZE=ON -DZDT_BUILD_TESTS=OFF -DZDT_BUILD_BENCH=OFF -DZDT_BUILD_UI=OFF
 shopt -s nullglob
-for target in fuzz_classic_lines fuzz_classic_open; do
+for target in fuzz_classic_lines fuzz_classic_open fuzz_sax_engine fuzz_snp_parse; do
     corpus="$root/fuzz/corpus-$target"
     mkdir -p "$corpus"
-    # Seed with the bundled samples: whole files for the open, their lines for the readers.
-    if [ "$target" = fuzz_classic_open ]; then
-        cp "$root"/samples/*.tr* "$corpus"/ 2>/dev/null || true
-    else
+    # Seed with the bundled samples: whole files for the opens and parses, lines for the readers.
+    case "$target" in
+    fuzz_classic_open) cp "$root"/samples/*.tr* "$corpus"/ 2>/dev/null || true ;;
+    fuzz_sax_engine | fuzz_snp_parse) cp "$root"/samples/*.snp "$corpus"/ 2>/dev/null || true ;;
+    *)
         n=0
         for sample in "$root"/samples/*.tr*; do
             while IFS= read -r line && [ $n -lt 400 ]; do
                 printf '%s' "$line" > "$corpus/line-$n"; n=$((n + 1))
             done < "$sample"
-        done
-    fi
+        done ;;
+    esac
     echo "== $target for ${seconds}s"
     "$root/build-fuzz/fuzz/$target" -max_total_time="$seconds" -max_len=65536 \
         -artifact_prefix="$root/fuzz/" "$corpus"

@@ -127,6 +127,8 @@ std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, std::u
     return FormatTime(time - previous - doc.BaseTime(), 3);
 }
 
+DocumentRecordReader::DocumentRecordReader(const CAnalyzerDoc& doc) : m_doc(doc) {}
+
 DocumentRecordReader::~DocumentRecordReader() = default;
 
 RecordReader* DocumentRecordReader::Get() {

@@ -51,7 +51,7 @@ std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, std::u
 // file anew (the filter turned off) gets a new reader.
 class DocumentRecordReader {
 public:
-    explicit DocumentRecordReader(const CAnalyzerDoc& doc) : m_doc(doc) {}
+    explicit DocumentRecordReader(const CAnalyzerDoc& doc);
     ~DocumentRecordReader();
     // Null while the document has no file.
     RecordReader* Get();
