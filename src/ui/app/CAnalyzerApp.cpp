@@ -8,6 +8,7 @@
 #include "app/DocumentRoute.h"
 #include "app/HelpWindow.h"
 #include "app/PlaceholderTemplate.h"
+#include "snp/SnpTemplate.h"
 
 #include <QApplication>
 #include <QDir>
@@ -101,7 +102,7 @@ void CAnalyzerApp::registerTemplates() {
     m_templates.clear();
     m_templates.push_back(m_classicTemplate());
     m_templates.push_back(std::make_unique<PlaceholderTemplate>(QStringLiteral(".XPVT"), QStringLiteral("XPVT")));
-    m_templates.push_back(std::make_unique<PlaceholderTemplate>(QStringLiteral(".SNP"), QStringLiteral("Snapshot")));
+    m_templates.push_back(std::make_unique<SnpTemplate>());
 }
 
 // A template that names the file's extension (in any case) takes it; every other file

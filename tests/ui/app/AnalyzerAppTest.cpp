@@ -9,6 +9,7 @@
 #include "app/CMainFrame.h"
 #include "app/HelpWindow.h"
 #include "app/PlaceholderDocument.h"
+#include "snp/SnpUiDocument.h"
 
 #include <QAction>
 #include <QApplication>
@@ -208,6 +209,8 @@ private:
             return "none";
         if (auto* placeholder = qobject_cast<PlaceholderDocument*>(document))
             return placeholder->kindName();
+        if (dynamic_cast<SnpUiDocument*>(document) != nullptr)
+            return "Snapshot";
         return "classic";
     }
 
@@ -227,7 +230,7 @@ private slots:
         ObservingBoxes& boxes = *m_boxes;
         auto app = start();
         QCOMPARE(familyOf(app->openDocumentFile(write("upper.XPVT"))), QString("XPVT"));
-        QCOMPARE(familyOf(app->openDocumentFile(write("mixed.Snp"))), QString("Snapshot"));
+        QCOMPARE(familyOf(app->openDocumentFile(write("mixed.Snp", "<SnapList/>"))), QString("Snapshot"));
         QCOMPARE(familyOf(app->openDocumentFile(write("one.trX"))), QString("classic"));
         QCOMPARE(familyOf(app->openDocumentFile(write("other.txt"))), QString("classic"));
         QCOMPARE(familyOf(app->openDocumentFile(write("noextension"))), QString("classic"));

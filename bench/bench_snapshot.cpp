@@ -1,0 +1,602 @@
+// Benchmarks of snapshot documents, as ratios within one run, every file from the page cache:
+//   1. opening with SnpDoc (every row on the swap file, flush included) runs at >= 1/2 the
+//      speed of a bare Expat parse of the same file in the same 10,240-byte blocks;
+//   2. peak and resident memory of a process that only opens the file
+//      <= 60 MB + 6 bytes per row;
+//   3. a search whose criteria match a few percent of the rows runs at >= 60% of the bare
+//      Expat speed;
+//   4. reading random rows of the opened document, cell by cell as the list view does:
+//      worst and median of 1,000 rows against the same number of rows read in order;
+//      the worst row stays below 50 ms.
+// Every timed run of the document follows a bare Expat run; the best run of each side counts.
+// The snapshot file and its rows file come from `zdt-gen snp ... --rows` (see
+// run_snapshot_bench.sh); the rows file is the reference for row count, search hits and
+// row contents. Exit status 1 when a figure misses its target, 2 on usage errors.
+
+#include "snp/SnpDoc.h"
+#include "snp/SnpFindCriteria.h"
+#include "xmldoc/SaxParser.h"
+
+#include <expat.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <random>
+#include <spawn.h>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+extern char** environ;
+
+namespace {
+
+using ZDTAnalyzer::SnpDoc;
+using ZDTAnalyzer::SnpFindCriteria;
+
+constexpr double kMegabyte = 1024.0 * 1024.0;
+constexpr double kOpenToExpatTarget = 0.50;
+constexpr double kFindToExpatTarget = 0.60;
+constexpr double kMemoryBaseBytes = 60.0 * kMegabyte;
+constexpr double kMemoryBytesPerRow = 6.0;
+constexpr double kWorstRandomRowTargetMs = 50.0;
+// The bare parse reads exactly as the document's parser does.
+constexpr std::size_t kBlockSize = ZDTAnalyzer::Snp::UserInterfaceParser::BlockSize;
+static_assert(kBlockSize == 10240);
+// The list view's columns: flags, event, description, name, value, unit.
+constexpr int kColumns = 6;
+// A cell buffer as large as a list view item's text.
+constexpr int kCellCapacity = 260;
+
+using Clock = std::chrono::steady_clock;
+
+double SecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// Tracks PASS/FAIL of every checked figure.
+class Verdicts {
+public:
+    void Ratio(const std::string& name, double value, double target) {
+        Report(name, value >= target, "ratio " + Format(value, 3) + " (target >= " + Format(target, 2) + ")");
+    }
+    void Check(const std::string& name, bool ok, const std::string& detail) { Report(name, ok, detail); }
+    bool AllPassed() const { return m_failures == 0; }
+    static std::string Format(double value, int decimals) {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.*f", decimals, value);
+        return text;
+    }
+
+private:
+    void Report(const std::string& name, bool ok, const std::string& detail) {
+        std::cout << (ok ? "PASS  " : "FAIL  ") << name << ": " << detail << "\n";
+        m_failures += ok ? 0 : 1;
+    }
+    int m_failures = 0;
+};
+
+// Prints every box the document raises, so a failed open or search says why.
+class PrintingSink : public zdt::MessageSink {
+public:
+    void showMessage(const zdt::UserMessage& message) override {
+        std::cerr << "message: " << message.text << "\n";
+        ++m_count;
+    }
+    bool askYesNo(const zdt::UserMessage& question) override {
+        std::cerr << "question: " << question.text << "\n";
+        return false;
+    }
+    int count() const { return m_count; }
+
+private:
+    int m_count = 0;
+};
+
+// A private directory for swap files, removed with everything in it.
+class ScratchDirectory {
+public:
+    explicit ScratchDirectory(const std::string& parent) {
+        std::string pattern = parent + "/zdt-snp-swap.XXXXXX";
+        if (::mkdtemp(pattern.data()) != nullptr)
+            m_path = pattern;
+    }
+    ~ScratchDirectory() {
+        std::error_code ignored;
+        if (!m_path.empty())
+            std::filesystem::remove_all(m_path, ignored);
+    }
+    ScratchDirectory(const ScratchDirectory&) = delete;
+    ScratchDirectory& operator=(const ScratchDirectory&) = delete;
+    bool ok() const { return !m_path.empty(); }
+    const std::string& path() const { return m_path; }
+
+private:
+    std::string m_path;
+};
+
+// Reads the whole file once so that every timed run starts from the page cache.
+std::uint64_t WarmPageCache(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDONLY);
+    if (fd < 0)
+        return 0;
+    std::vector<char> buffer(4 << 20);
+    std::uint64_t total = 0;
+    for (ssize_t n; (n = ::read(fd, buffer.data(), buffer.size())) > 0;)
+        total += static_cast<std::uint64_t>(n);
+    ::close(fd);
+    return total;
+}
+
+// Best (shortest) time of `runs` runs; false as soon as one run fails.
+template <typename Timed>
+bool BestOf(int runs, double& best, Timed timed) {
+    best = 0;
+    for (int i = 0; i < runs; ++i) {
+        double seconds = 0;
+        if (!timed(seconds))
+            return false;
+        best = i == 0 ? seconds : std::min(best, seconds);
+    }
+    return true;
+}
+
+std::string Speed(double bytes, double seconds) {
+    return Verdicts::Format(bytes / kMegabyte, 1) + " MB in " + Verdicts::Format(seconds, 3) + " s = " +
+           Verdicts::Format(bytes / kMegabyte / seconds, 1) + " MB/s";
+}
+
+std::vector<std::string> SplitTabs(const std::string& line) {
+    std::vector<std::string> fields;
+    std::size_t start = 0;
+    for (std::size_t tab; (tab = line.find('\t', start)) != std::string::npos; start = tab + 1)
+        fields.push_back(line.substr(start, tab - start));
+    fields.push_back(line.substr(start));
+    return fields;
+}
+
+// ---- the reference rows -------------------------------------------------------------------
+
+// What the generator says the document must hold: the row count, the rows the search
+// must mark and the full text of the rows that the random reads will check.
+struct Reference {
+    std::uint64_t rows = 0;
+    std::uint64_t searchHits = 0;
+    std::map<int, std::vector<std::string>> sampled;
+};
+
+// The search: one service name among the few the generator uses, on service rows only.
+SnpFindCriteria SearchCriteria() {
+    SnpFindCriteria criteria;
+    criteria.searchService = true;
+    criteria.serviceNameOn = true;
+    criteria.serviceName = "ReadDTCInformation";
+    return criteria;
+}
+
+bool IsSearchHit(const std::vector<std::string>& fields, const SnpFindCriteria& criteria) {
+    return fields.size() == kColumns && fields[1] == "Service" &&
+           fields[2].find(criteria.serviceName) != std::string::npos;
+}
+
+// One pass over the rows file; `wanted` rows (ascending) are kept whole.
+bool ReadReference(const std::string& path, const std::vector<int>& wanted, Reference& reference) {
+    std::ifstream in(path);
+    std::string line;
+    if (!std::getline(in, line) || line.rfind("#DateTime\t", 0) != 0)
+        return false;
+    const SnpFindCriteria criteria = SearchCriteria();
+    auto next = wanted.begin();
+    for (int row = 0; std::getline(in, line); ++row) {
+        const std::vector<std::string> fields = SplitTabs(line);
+        reference.searchHits += IsSearchHit(fields, criteria) ? 1 : 0;
+        if (next != wanted.end() && *next == row) {
+            reference.sampled[row] = fields;
+            while (next != wanted.end() && *next == row)
+                ++next;
+        }
+        ++reference.rows;
+    }
+    return true;
+}
+
+// Rows are counted first, so the random sample can cover the whole document.
+std::uint64_t CountRows(const std::string& path) {
+    std::ifstream in(path);
+    std::uint64_t lines = 0;
+    for (std::string line; std::getline(in, line);)
+        ++lines;
+    return lines > 0 ? lines - 1 : 0;
+}
+
+// ---- the bare parse -----------------------------------------------------------------------
+
+void XMLCALL IgnoreStart(void*, const XML_Char*, const XML_Char**) {}
+void XMLCALL IgnoreEnd(void*, const XML_Char*) {}
+void XMLCALL IgnoreText(void*, const XML_Char*, int) {}
+
+// Expat alone: the same reads and blocks as the document's parser, handlers that do nothing.
+bool BareExpatParse(const std::string& path) {
+    std::FILE* file = std::fopen(path.c_str(), "r");
+    if (file == nullptr)
+        return false;
+    XML_Parser parser = XML_ParserCreate(nullptr);
+    XML_SetStartElementHandler(parser, &IgnoreStart);
+    XML_SetEndElementHandler(parser, &IgnoreEnd);
+    XML_SetCharacterDataHandler(parser, &IgnoreText);
+    std::vector<char> buffer(kBlockSize);
+    bool ok = parser != nullptr;
+    while (ok) {
+        const std::size_t count = std::fread(buffer.data(), 1, kBlockSize, file);
+        if (count == 0)
+            break;
+        const int isFinal = count < kBlockSize ? 1 : 0;
+        ok = XML_Parse(parser, buffer.data(), static_cast<int>(count), isFinal) != XML_STATUS_ERROR;
+    }
+    XML_ParserFree(parser);
+    std::fclose(file);
+    return ok;
+}
+
+// ---- the child that only opens ------------------------------------------------------------
+
+long StatusKilobytes(const char* key) {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.rfind(key, 0) == 0)
+            return std::atol(line.c_str() + std::strlen(key));
+    return -1;
+}
+
+int OpenOnly(const std::string& path, const std::string& swapParent) {
+    ScratchDirectory swap(swapParent);
+    if (!swap.ok())
+        return 1;
+    PrintingSink messages;
+    SnpDoc document;
+    if (!document.OnOpenDocument(path, swap.path(), &messages))
+        return 1;
+    std::cout << "hwm_kb=" << StatusKilobytes("VmHWM:") << "\n"
+              << "rss_kb=" << StatusKilobytes("VmRSS:") << "\n"
+              << "rows=" << document.container().rowCount() << "\n";
+    return 0;
+}
+
+struct ChildRun {
+    int exitCode = -1;
+    std::string output;
+};
+
+ChildRun RunCaptured(const std::vector<std::string>& argv) {
+    ChildRun run;
+    int pipeFds[2] = {-1, -1};
+    if (::pipe(pipeFds) != 0)
+        return run;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, pipeFds[1], STDOUT_FILENO);
+    posix_spawn_file_actions_addclose(&actions, pipeFds[0]);
+    posix_spawn_file_actions_addclose(&actions, pipeFds[1]);
+    std::vector<char*> args;
+    for (const auto& arg : argv)
+        args.push_back(const_cast<char*>(arg.c_str()));
+    args.push_back(nullptr);
+    pid_t pid = 0;
+    const int spawned = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    ::close(pipeFds[1]);
+    char buffer[4096];
+    for (ssize_t n; spawned == 0 && (n = ::read(pipeFds[0], buffer, sizeof buffer)) > 0;)
+        run.output.append(buffer, static_cast<std::size_t>(n));
+    ::close(pipeFds[0]);
+    if (spawned != 0)
+        return run;
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return run;
+}
+
+std::map<std::string, long long> ParseKeyValues(const std::string& text) {
+    std::map<std::string, long long> values;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        const auto equals = line.find('=');
+        if (equals != std::string::npos)
+            values[line.substr(0, equals)] = std::atoll(line.c_str() + equals + 1);
+    }
+    return values;
+}
+
+// ---- the benchmarks -----------------------------------------------------------------------
+
+struct Options {
+    std::string snapshot;
+    std::string rows;
+    std::string swapParent;
+    int runs = 3;
+    int samples = 1000;
+    std::uint64_t seed = 1;
+};
+
+// The bare Expat reference. One of its runs goes right before each timed run of the
+// document, so a machine that is busier in one phase slows both sides of a ratio alike.
+class ExpatBaseline {
+public:
+    explicit ExpatBaseline(const std::string& path) : m_path(path) {}
+
+    void Run() {
+        const auto start = Clock::now();
+        const bool parsed = BareExpatParse(m_path);
+        const double seconds = SecondsSince(start);
+        m_failed = m_failed || !parsed;
+        m_best = m_runs == 0 ? seconds : std::min(m_best, seconds);
+        ++m_runs;
+    }
+
+    // Bytes a second of the best run; 0 when a run failed or none ran.
+    double Report(const char* phase, double bytes, Verdicts& verdicts) const {
+        if (m_failed || m_runs == 0) {
+            verdicts.Check(std::string("bare Expat parse ") + phase, false, "the file is not well-formed");
+            return 0;
+        }
+        std::cout << "bare Expat " << phase << ": " << Speed(bytes, m_best) << " (best of " << m_runs << ")\n";
+        return bytes / m_best;
+    }
+
+private:
+    std::string m_path;
+    double m_best = 0;
+    int m_runs = 0;
+    bool m_failed = false;
+};
+
+// Opens `runs` times, each into a fresh swap directory; the last document stays open in
+// `kept` for the search and the row reads.
+double MeasureOpen(const Options& o, const Reference& reference, double bytes, const ScratchDirectory& swap,
+                   std::unique_ptr<SnpDoc>& kept, ExpatBaseline& baseline, Verdicts& verdicts) {
+    PrintingSink messages;
+    double best = 0;
+    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
+        baseline.Run();
+        kept.reset(); // the previous swap file goes before the next one is written
+        kept = std::make_unique<SnpDoc>();
+        const auto start = Clock::now();
+        const bool opened = kept->OnOpenDocument(o.snapshot, swap.path(), &messages);
+        seconds = SecondsSince(start);
+        return opened;
+    });
+    verdicts.Check("SnpDoc opens the snapshot", ok, ok ? "OnOpenDocument true" : "OnOpenDocument false");
+    if (!ok) {
+        kept.reset();
+        return 0;
+    }
+    auto& rows = kept->container();
+    std::cout << "SnpDoc open:   " << Speed(bytes, best) << " (best of " << o.runs << "), " << rows.rowCount()
+              << " rows, swap file " << Verdicts::Format(static_cast<double>(rows.endOffset()) / kMegabyte, 1)
+              << " MB\n";
+    std::error_code error;
+    const auto onFile = std::filesystem::file_size(rows.swapFileName(), error);
+    verdicts.Check("row count", static_cast<std::uint64_t>(rows.rowCount()) == reference.rows,
+                   std::to_string(rows.rowCount()) + " opened, " + std::to_string(reference.rows) + " written");
+    verdicts.Check("every row on the swap file after the open", !error && onFile == rows.endOffset(),
+                   std::to_string(error ? 0 : onFile) + " bytes on file, rows end at " +
+                       std::to_string(rows.endOffset()));
+    return bytes / best;
+}
+
+void MeasureMemory(const Options& o, const Reference& reference, Verdicts& verdicts) {
+    const ChildRun run = RunCaptured({"/proc/self/exe", "--open-only", o.snapshot, o.swapParent});
+    const auto values = ParseKeyValues(run.output);
+    if (run.exitCode != 0 || !values.count("hwm_kb")) {
+        verdicts.Check("memory", false, "the open-only child failed (exit " + std::to_string(run.exitCode) + ")");
+        return;
+    }
+    const double budget = kMemoryBaseBytes + kMemoryBytesPerRow * static_cast<double>(reference.rows);
+    const double peak = static_cast<double>(values.at("hwm_kb")) * 1024.0;
+    const double resident = static_cast<double>(values.at("rss_kb")) * 1024.0;
+    const std::string limit = " MB (target <= " + Verdicts::Format(budget / kMegabyte, 1) + " MB)";
+    std::cout << "open-only process: " << values.at("rows") << " rows\n";
+    verdicts.Check("peak memory while opening (VmHWM)", peak <= budget, Verdicts::Format(peak / kMegabyte, 1) + limit);
+    verdicts.Check("memory after the open (VmRSS)", resident <= budget,
+                   Verdicts::Format(resident / kMegabyte, 1) + limit);
+}
+
+double MeasureFind(const Options& o, const Reference& reference, double bytes, SnpDoc& document,
+                   ExpatBaseline& baseline, Verdicts& verdicts) {
+    PrintingSink messages;
+    const SnpFindCriteria criteria = SearchCriteria();
+    double best = 0;
+    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
+        baseline.Run();
+        const auto start = Clock::now();
+        const bool found = document.find(criteria, &messages);
+        seconds = SecondsSince(start);
+        return found;
+    });
+    verdicts.Check("search runs to its end", ok, ok ? "find true" : "find false");
+    if (!ok)
+        return 0;
+    const std::size_t hits = document.findResults().size();
+    const double share = reference.rows > 0 ? 100.0 * static_cast<double>(hits) / static_cast<double>(reference.rows) : 0;
+    std::cout << "SnpDoc find:   " << Speed(bytes, best) << " (best of " << o.runs << "), " << hits << " rows marked ("
+              << Verdicts::Format(share, 2) << "%)\n";
+    verdicts.Check("search marks the rows written as hits", hits == reference.searchHits,
+                   std::to_string(hits) + " marked, " + std::to_string(reference.searchHits) + " expected");
+    return bytes / best;
+}
+
+// One row as the list view draws it: every cell through getColumnText.
+void DrawRow(SnpDoc& document, int row, std::vector<std::string>& cells) {
+    char buffer[kCellCapacity];
+    for (int column = 0; column < kColumns; ++column) {
+        document.container().getColumnText(row, column, buffer, kCellCapacity);
+        cells[static_cast<std::size_t>(column)] = buffer;
+    }
+}
+
+// The cells as the generator wrote them, cut as a list view cell cuts them.
+bool SameCells(const Reference& reference, int row, const std::vector<std::string>& cells) {
+    const auto expected = reference.sampled.find(row);
+    if (expected == reference.sampled.end() || expected->second.size() != cells.size())
+        return false;
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        if (expected->second[i].substr(0, kCellCapacity - 1) != cells[i])
+            return false;
+    return true;
+}
+
+double Percentile(std::vector<double> values, double fraction) {
+    if (values.empty())
+        return 0;
+    std::sort(values.begin(), values.end());
+    const auto index = static_cast<std::size_t>(fraction * static_cast<double>(values.size() - 1) + 0.5);
+    return values[index];
+}
+
+void MeasureRowReads(const Options& o, const std::vector<int>& randomRows, const Reference& reference,
+                     SnpDoc& document, Verdicts& verdicts) {
+    const int rowCount = document.container().rowCount();
+    if (rowCount == 0 || randomRows.empty()) {
+        verdicts.Check("row reads", false, "no rows to read");
+        return;
+    }
+    std::vector<std::string> cells(kColumns);
+    std::vector<double> randomMs;
+    int mismatches = 0;
+    double randomTotal = 0;
+    for (const int row : randomRows) {
+        const auto start = Clock::now();
+        DrawRow(document, row, cells);
+        const double seconds = SecondsSince(start);
+        randomTotal += seconds;
+        randomMs.push_back(seconds * 1000.0);
+        if (!SameCells(reference, row, cells))
+            ++mismatches;
+    }
+    // The same number of rows read in order, as scrolling down one page after another.
+    const int count = static_cast<int>(std::min<std::size_t>(randomRows.size(), static_cast<std::size_t>(rowCount)));
+    const int first = (rowCount - count) / 2;
+    const auto start = Clock::now();
+    for (int row = first; row < first + count; ++row)
+        DrawRow(document, row, cells);
+    const double inOrderTotal = SecondsSince(start);
+
+    const double worst = *std::max_element(randomMs.begin(), randomMs.end());
+    std::cout << "random rows:   " << randomMs.size() << " rows (seed " << o.seed << "), median "
+              << Verdicts::Format(Percentile(randomMs, 0.5), 4) << " ms, 99th percentile "
+              << Verdicts::Format(Percentile(randomMs, 0.99), 4) << " ms, worst " << Verdicts::Format(worst, 4)
+              << " ms, total " << Verdicts::Format(randomTotal * 1000.0, 2) << " ms\n";
+    std::cout << "rows in order: " << count << " rows from row " << first << ", "
+              << Verdicts::Format(inOrderTotal * 1000.0, 2) << " ms, "
+              << Verdicts::Format(inOrderTotal * 1000.0 / count, 4) << " ms a row\n";
+    if (inOrderTotal > 0)
+        std::cout << "random / in-order time: ratio " << Verdicts::Format(randomTotal / inOrderTotal, 2)
+                  << " (reported, no target)\n";
+    verdicts.Check("random rows read as written", mismatches == 0,
+                   std::to_string(mismatches) + " of " + std::to_string(randomRows.size()) + " rows differ");
+    verdicts.Check("worst random row", worst < kWorstRandomRowTargetMs,
+                   Verdicts::Format(worst, 3) + " ms (target < " + Verdicts::Format(kWorstRandomRowTargetMs, 0) +
+                       " ms)");
+}
+
+std::vector<int> RandomRows(std::uint64_t rows, int samples, std::uint64_t seed) {
+    std::vector<int> picked;
+    if (rows == 0)
+        return picked;
+    std::mt19937_64 random(seed);
+    std::uniform_int_distribution<std::uint64_t> pick(0, rows - 1);
+    for (int i = 0; i < samples; ++i)
+        picked.push_back(static_cast<int>(pick(random)));
+    return picked;
+}
+
+int Usage() {
+    std::cerr << "usage: bench_snapshot --snapshot FILE --rows FILE [--swap-dir DIR] [--runs N] [--samples N]\n"
+                 "                      [--seed N]\n"
+                 "       bench_snapshot --open-only FILE SWAP_PARENT_DIR\n";
+    return 2;
+}
+
+bool ParseOptions(int argc, char** argv, Options& o) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (i + 1 >= argc)
+            return false;
+        const std::string value = argv[++i];
+        if (arg == "--snapshot") o.snapshot = value;
+        else if (arg == "--rows") o.rows = value;
+        else if (arg == "--swap-dir") o.swapParent = value;
+        else if (arg == "--runs") o.runs = std::max(1, std::atoi(value.c_str()));
+        else if (arg == "--samples") o.samples = std::max(1, std::atoi(value.c_str()));
+        else if (arg == "--seed") o.seed = std::strtoull(value.c_str(), nullptr, 10);
+        else return false;
+    }
+    if (o.swapParent.empty()) {
+        std::error_code error;
+        o.swapParent = std::filesystem::temp_directory_path(error).string();
+    }
+    return !o.snapshot.empty() && !o.rows.empty() && !o.swapParent.empty();
+}
+
+int RunBenchmarks(const Options& o) {
+    const std::vector<int> randomRows = RandomRows(CountRows(o.rows), o.samples, o.seed);
+    std::vector<int> wanted = randomRows;
+    std::sort(wanted.begin(), wanted.end());
+    Reference reference;
+    if (!ReadReference(o.rows, wanted, reference)) {
+        std::cerr << "bench_snapshot: cannot read the rows file " << o.rows << "\n";
+        return 2;
+    }
+    ScratchDirectory swap(o.swapParent);
+    if (!swap.ok()) {
+        std::cerr << "bench_snapshot: cannot make a swap directory in " << o.swapParent << "\n";
+        return 2;
+    }
+    const double bytes = static_cast<double>(WarmPageCache(o.snapshot));
+    std::cout << "snapshot: " << o.snapshot << ", " << Verdicts::Format(bytes / kMegabyte, 1) << " MB, "
+              << reference.rows << " rows, " << reference.searchHits << " search hits, swap files in " << swap.path()
+              << "\n";
+    Verdicts verdicts;
+    ExpatBaseline openBaseline(o.snapshot);
+    std::unique_ptr<SnpDoc> document;
+    const double openSpeed = MeasureOpen(o, reference, bytes, swap, document, openBaseline, verdicts);
+    const double expatSpeed = openBaseline.Report("(open phase)", bytes, verdicts);
+    if (expatSpeed > 0 && openSpeed > 0)
+        verdicts.Ratio("SnpDoc open / bare Expat speed", openSpeed / expatSpeed, kOpenToExpatTarget);
+    MeasureMemory(o, reference, verdicts);
+    if (document) {
+        // Rows first: a search writes its marks into the rows, and the reference has none.
+        MeasureRowReads(o, randomRows, reference, *document, verdicts);
+        ExpatBaseline findBaseline(o.snapshot);
+        const double findSpeed = MeasureFind(o, reference, bytes, *document, findBaseline, verdicts);
+        const double findExpatSpeed = findBaseline.Report("(search phase)", bytes, verdicts);
+        if (findExpatSpeed > 0 && findSpeed > 0)
+            verdicts.Ratio("SnpDoc find / bare Expat speed", findSpeed / findExpatSpeed, kFindToExpatTarget);
+    }
+    document.reset();
+    std::cout << (verdicts.AllPassed() ? "all targets met\n" : "some targets missed\n");
+    return verdicts.AllPassed() ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 4 && std::strcmp(argv[1], "--open-only") == 0)
+        return OpenOnly(argv[2], argv[3]);
+    Options o;
+    if (!ParseOptions(argc, argv, o))
+        return Usage();
+    return RunBenchmarks(o);
+}
