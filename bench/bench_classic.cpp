@@ -10,6 +10,8 @@
 #include "trace/CTraceFile.h"
 #include "trace/CTraceItemI.h"
 
+#include "BenchSupport.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -31,17 +33,12 @@ extern char** environ;
 
 namespace {
 
-constexpr double kMegabyte = 1024.0 * 1024.0;
+using namespace benchsupport;
+
 constexpr double kIndexToWcTarget = 0.25;
 constexpr double kRowsToIndexTarget = 0.10;
 constexpr double kMemoryBaseBytes = 50.0 * kMegabyte;
 constexpr double kMemoryBytesPerRecord = 20.0;
-
-using Clock = std::chrono::steady_clock;
-
-double SecondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
 
 struct Summary {
     std::uint64_t records = 0;
@@ -72,41 +69,6 @@ bool ReadSummary(const std::string& path, Summary& summary) {
     summary.lastOffset = std::stoull(values["last_offset"]);
     summary.lastLine = FromHex(values["last_line_hex"]);
     return true;
-}
-
-// Tracks PASS/FAIL of every checked figure.
-class Verdicts {
-public:
-    void Ratio(const std::string& name, double value, double target) {
-        Report(name, value >= target, "ratio " + Format(value, 3) + " (target >= " + Format(target, 2) + ")");
-    }
-    void Check(const std::string& name, bool ok, const std::string& detail) { Report(name, ok, detail); }
-    bool AllPassed() const { return m_failures == 0; }
-    static std::string Format(double value, int decimals) {
-        char text[64];
-        std::snprintf(text, sizeof text, "%.*f", decimals, value);
-        return text;
-    }
-
-private:
-    void Report(const std::string& name, bool ok, const std::string& detail) {
-        std::cout << (ok ? "PASS  " : "FAIL  ") << name << ": " << detail << "\n";
-        m_failures += ok ? 0 : 1;
-    }
-    int m_failures = 0;
-};
-
-// Reads the whole file once so that every timed run starts from the page cache.
-std::uint64_t WarmPageCache(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_RDONLY);
-    if (fd < 0)
-        return 0;
-    std::vector<char> buffer(4 << 20);
-    std::uint64_t total = 0;
-    for (ssize_t n; (n = ::read(fd, buffer.data(), buffer.size())) > 0;)
-        total += static_cast<std::uint64_t>(n);
-    ::close(fd);
-    return total;
 }
 
 struct ChildRun {
@@ -154,33 +116,7 @@ ChildRun RunProgram(const std::vector<std::string>& argv, bool capture) {
     return run;
 }
 
-// Best (shortest) time of `runs` runs; false as soon as one run fails.
-template <typename Timed>
-bool BestOf(int runs, double& best, Timed timed) {
-    best = 0;
-    for (int i = 0; i < runs; ++i) {
-        double seconds = 0;
-        if (!timed(seconds))
-            return false;
-        best = i == 0 ? seconds : std::min(best, seconds);
-    }
-    return true;
-}
-
-std::string Speed(double bytes, double seconds) {
-    return Verdicts::Format(bytes / kMegabyte, 1) + " MB in " + Verdicts::Format(seconds, 3) + " s = " +
-           Verdicts::Format(bytes / kMegabyte / seconds, 1) + " MB/s";
-}
-
 // ---- the child that only opens ------------------------------------------------------------
-
-long StatusKilobytes(const char* key) {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);)
-        if (line.rfind(key, 0) == 0)
-            return std::atol(line.c_str() + std::strlen(key));
-    return -1;
-}
 
 int OpenOnly(const std::string& path) {
     CTraceFile trace;
@@ -191,17 +127,6 @@ int OpenOnly(const std::string& path) {
               << "index_bytes=" << trace.IndexBytes() << "\n"
               << "records=" << trace.TotalCount() << "\n";
     return 0;
-}
-
-std::map<std::string, long long> ParseKeyValues(const std::string& text) {
-    std::map<std::string, long long> values;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        const auto equals = line.find('=');
-        if (equals != std::string::npos)
-            values[line.substr(0, equals)] = std::atoll(line.c_str() + equals + 1);
-    }
-    return values;
 }
 
 // ---- the benchmarks -----------------------------------------------------------------------

@@ -17,6 +17,8 @@
 #include "snp/SnpFindCriteria.h"
 #include "xmldoc/SaxParser.h"
 
+#include "BenchSupport.h"
+
 #include <expat.h>
 
 #include <algorithm>
@@ -42,10 +44,11 @@ extern char** environ;
 
 namespace {
 
+using namespace benchsupport;
+
 using ZDTAnalyzer::SnpDoc;
 using ZDTAnalyzer::SnpFindCriteria;
 
-constexpr double kMegabyte = 1024.0 * 1024.0;
 constexpr double kOpenToExpatTarget = 0.50;
 constexpr double kFindToExpatTarget = 0.60;
 constexpr double kMemoryBaseBytes = 60.0 * kMegabyte;
@@ -58,34 +61,6 @@ static_assert(kBlockSize == 10240);
 constexpr int kColumns = 6;
 // A cell buffer as large as a list view item's text.
 constexpr int kCellCapacity = 260;
-
-using Clock = std::chrono::steady_clock;
-
-double SecondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-// Tracks PASS/FAIL of every checked figure.
-class Verdicts {
-public:
-    void Ratio(const std::string& name, double value, double target) {
-        Report(name, value >= target, "ratio " + Format(value, 3) + " (target >= " + Format(target, 2) + ")");
-    }
-    void Check(const std::string& name, bool ok, const std::string& detail) { Report(name, ok, detail); }
-    bool AllPassed() const { return m_failures == 0; }
-    static std::string Format(double value, int decimals) {
-        char text[64];
-        std::snprintf(text, sizeof text, "%.*f", decimals, value);
-        return text;
-    }
-
-private:
-    void Report(const std::string& name, bool ok, const std::string& detail) {
-        std::cout << (ok ? "PASS  " : "FAIL  ") << name << ": " << detail << "\n";
-        m_failures += ok ? 0 : 1;
-    }
-    int m_failures = 0;
-};
 
 // Prints every box the document raises, so a failed open or search says why.
 class PrintingSink : public zdt::MessageSink {
@@ -125,37 +100,6 @@ public:
 private:
     std::string m_path;
 };
-
-// Reads the whole file once so that every timed run starts from the page cache.
-std::uint64_t WarmPageCache(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_RDONLY);
-    if (fd < 0)
-        return 0;
-    std::vector<char> buffer(4 << 20);
-    std::uint64_t total = 0;
-    for (ssize_t n; (n = ::read(fd, buffer.data(), buffer.size())) > 0;)
-        total += static_cast<std::uint64_t>(n);
-    ::close(fd);
-    return total;
-}
-
-// Best (shortest) time of `runs` runs; false as soon as one run fails.
-template <typename Timed>
-bool BestOf(int runs, double& best, Timed timed) {
-    best = 0;
-    for (int i = 0; i < runs; ++i) {
-        double seconds = 0;
-        if (!timed(seconds))
-            return false;
-        best = i == 0 ? seconds : std::min(best, seconds);
-    }
-    return true;
-}
-
-std::string Speed(double bytes, double seconds) {
-    return Verdicts::Format(bytes / kMegabyte, 1) + " MB in " + Verdicts::Format(seconds, 3) + " s = " +
-           Verdicts::Format(bytes / kMegabyte / seconds, 1) + " MB/s";
-}
 
 std::vector<std::string> SplitTabs(const std::string& line) {
     std::vector<std::string> fields;
@@ -251,14 +195,6 @@ bool BareExpatParse(const std::string& path) {
 
 // ---- the child that only opens ------------------------------------------------------------
 
-long StatusKilobytes(const char* key) {
-    std::ifstream status("/proc/self/status");
-    for (std::string line; std::getline(status, line);)
-        if (line.rfind(key, 0) == 0)
-            return std::atol(line.c_str() + std::strlen(key));
-    return -1;
-}
-
 int OpenOnly(const std::string& path, const std::string& swapParent) {
     ScratchDirectory swap(swapParent);
     if (!swap.ok())
@@ -306,17 +242,6 @@ ChildRun RunCaptured(const std::vector<std::string>& argv) {
     ::waitpid(pid, &status, 0);
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return run;
-}
-
-std::map<std::string, long long> ParseKeyValues(const std::string& text) {
-    std::map<std::string, long long> values;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        const auto equals = line.find('=');
-        if (equals != std::string::npos)
-            values[line.substr(0, equals)] = std::atoll(line.c_str() + equals + 1);
-    }
-    return values;
 }
 
 // ---- the benchmarks -----------------------------------------------------------------------

@@ -2,41 +2,17 @@
 #include "classic/CAnalyzerDoc.h"
 #include "classic/ClassicRowFormatter.h"
 #include "support/ClassicTraces.h"
+#include "support/CliRunner.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
 
 namespace {
 
 using namespace classic_traces;
 
-struct CliRun {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string Quote(const std::string& text) {
-    std::string quoted = "'";
-    for (const char c : text)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-// Runs zdt-cli with the arguments and captures both streams and the exit status.
 CliRun Cli(const TempDir& dir, const std::vector<std::string>& args, const std::string& environment = "") {
-    std::string command = environment + " " + Quote(ZDT_CLI_PATH);
-    for (const auto& arg : args)
-        command += " " + Quote(arg);
-    const std::string out = dir.File("stdout.txt"), err = dir.File("stderr.txt");
-    command += " >" + Quote(out) + " 2>" + Quote(err);
-    const int raw = std::system(command.c_str());
-    CliRun run;
-    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    run.out = TempDir::Read(out);
-    run.err = TempDir::Read(err);
-    return run;
+    return RunCli(dir, args, environment);
 }
 
 TEST(CliRows, PrintsEveryColumnTabSeparated) {

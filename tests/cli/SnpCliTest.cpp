@@ -1,4 +1,5 @@
 #include "SnapshotGenerator.h"
+#include "support/CliRunner.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
@@ -6,36 +7,12 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <sys/wait.h>
 
 namespace {
 
-struct CliRun {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string Quote(const std::string& text) {
-    std::string quoted = "'";
-    for (const char c : text)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-// Runs zdt-cli with its temporary root inside `dir`, capturing both streams.
+// Runs zdt-cli with its temporary root inside `dir`.
 CliRun Cli(const TempDir& dir, const std::vector<std::string>& args) {
-    std::string command = "ZDT_ANALYZER_HOME=" + Quote(dir.File("home")) + " " + Quote(ZDT_CLI_PATH);
-    for (const auto& arg : args)
-        command += " " + Quote(arg);
-    const std::string out = dir.File("stdout.txt"), err = dir.File("stderr.txt");
-    command += " >" + Quote(out) + " 2>" + Quote(err);
-    const int raw = std::system(command.c_str());
-    CliRun run;
-    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    run.out = TempDir::Read(out);
-    run.err = TempDir::Read(err);
-    return run;
+    return RunCli(dir, args, "ZDT_ANALYZER_HOME=" + ShellQuote(dir.File("home")));
 }
 
 // Every swap file and per-run directory must be gone after a run, whatever its end.
@@ -123,9 +100,9 @@ TEST(SnpCli, InterruptLeavesNoSwapFile) {
     std::ofstream out(dir.File("big.snp"), std::ios::binary);
     zdtgen::WriteSnapshot(out, options);
     out.close();
-    const std::string command = "ZDT_ANALYZER_HOME=" + Quote(dir.File("home")) + " " + Quote(ZDT_CLI_PATH) +
-                                " rows " + Quote(dir.File("big.snp")) + " >/dev/null 2>&1 & pid=$!; sleep 0.3; " +
-                                "kill -INT $pid; wait $pid; echo $? >" + Quote(dir.File("status"));
+    const std::string command = "ZDT_ANALYZER_HOME=" + ShellQuote(dir.File("home")) + " " + ShellQuote(ZDT_CLI_PATH) +
+                                " rows " + ShellQuote(dir.File("big.snp")) + " >/dev/null 2>&1 & pid=$!; sleep 0.3; " +
+                                "kill -INT $pid; wait $pid; echo $? >" + ShellQuote(dir.File("status"));
     std::system(command.c_str());
     EXPECT_EQ(TempDir::Read(dir.File("status")), "130\n");
     EXPECT_EQ(LeftoverFiles(dir), 0u);
