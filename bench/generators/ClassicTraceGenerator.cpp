@@ -1,5 +1,7 @@
 #include "ClassicTraceGenerator.h"
 
+#include "GeneratorRandom.h"
+
 #include <array>
 #include <optional>
 #include <ostream>
@@ -15,24 +17,6 @@ constexpr const char* kZdtTitle = "ZDT Trace File";
 constexpr std::uint32_t kClockWrap = 0x80000000u;
 constexpr std::size_t kFlushBytes = 1u << 20;
 constexpr std::size_t kLongLine = 300;
-
-// splitmix64: fast and the same on every platform, unlike the standard distributions.
-class Random {
-public:
-    explicit Random(std::uint64_t seed) : m_state(seed) {}
-    std::uint64_t Next() {
-        std::uint64_t z = (m_state += 0x9E3779B97F4A7C15ull);
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-        return z ^ (z >> 31);
-    }
-    std::uint32_t Below(std::uint32_t n) { return static_cast<std::uint32_t>(((Next() >> 32) * n) >> 32); }
-    bool OneIn(std::uint32_t n) { return Below(n) == 0; }
-    std::uint8_t Byte() { return static_cast<std::uint8_t>(Next() >> 56); }
-
-private:
-    std::uint64_t m_state;
-};
 
 // One record line, built field by field: printf costs too much for a gigabyte of lines.
 class LineBuffer {

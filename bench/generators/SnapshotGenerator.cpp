@@ -1,5 +1,7 @@
 #include "SnapshotGenerator.h"
 
+#include "GeneratorRandom.h"
+
 #include <algorithm>
 #include <array>
 #include <initializer_list>
@@ -15,24 +17,6 @@ namespace {
 constexpr std::size_t kFlushBytes = 1u << 20;
 // Huge attributes return this often: one per snapshot would be nearly all of a big file.
 constexpr std::uint64_t kHugeEvery = 64;
-
-// splitmix64: fast and the same on every platform, unlike the standard distributions.
-class Random {
-public:
-    explicit Random(std::uint64_t seed) : m_state(seed) {}
-    std::uint64_t Next() {
-        std::uint64_t z = (m_state += 0x9E3779B97F4A7C15ull);
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-        return z ^ (z >> 31);
-    }
-    std::uint32_t Below(std::uint32_t n) { return static_cast<std::uint32_t>(((Next() >> 32) * n) >> 32); }
-    bool OneIn(std::uint32_t n) { return Below(n) == 0; }
-    template <typename T, std::size_t N> const T& Pick(const std::array<T, N>& items) { return items[Below(N)]; }
-
-private:
-    std::uint64_t m_state;
-};
 
 // Buffers a stream and counts what went into it.
 class Sink {

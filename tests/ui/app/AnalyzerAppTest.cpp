@@ -10,6 +10,7 @@
 #include "app/HelpWindow.h"
 #include "app/PlaceholderDocument.h"
 #include "snp/SnpUiDocument.h"
+#include "ui/MenuLookup.h"
 
 #include <QAction>
 #include <QApplication>
@@ -168,18 +169,6 @@ QStringList MenuBarLayout(QMainWindow& window) {
         layout << popupAction->text() + ": " + items.join('|');
     }
     return layout;
-}
-
-QAction* MenuItem(QMainWindow& window, const QString& popup, const QString& text) {
-    for (QAction* popupAction : window.menuBar()->actions()) {
-        if (popupAction->text() != popup)
-            continue;
-        for (QAction* action : popupAction->menu()->actions()) {
-            if (action->text() == text)
-                return action;
-        }
-    }
-    return nullptr;
 }
 
 } // namespace

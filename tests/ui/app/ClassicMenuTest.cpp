@@ -4,6 +4,7 @@
 #include "app/CChildFrame.h"
 #include "app/CMainFrame.h"
 #include "app/MenuResources.h"
+#include "ui/MenuLookup.h"
 #include "ui/RecordingBoxes.h"
 
 #include <QAction>
@@ -22,18 +23,6 @@ namespace {
 
 const QString Sample = QStringLiteral(ZDT_SAMPLES_DIR "/can_bus_601.trc");
 const QString SecondSample = QStringLiteral(ZDT_SAMPLES_DIR "/all_types_601.trc");
-
-QAction* MenuItem(QMainWindow& window, const QString& popup, const QString& label) {
-    for (QAction* popupAction : window.menuBar()->actions()) {
-        if (popupAction->text() != popup)
-            continue;
-        for (QAction* action : popupAction->menu()->actions()) {
-            if (action->text() == label)
-                return action;
-        }
-    }
-    return nullptr;
-}
 
 } // namespace
 

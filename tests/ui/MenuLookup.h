@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QAction>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QString>
+
+// The item of a main window's menu by popup title and item text, or null.
+inline QAction* MenuItem(QMainWindow& window, const QString& popup, const QString& text) {
+    for (QAction* popupAction : window.menuBar()->actions()) {
+        if (popupAction->text() != popup || popupAction->menu() == nullptr)
+            continue;
+        for (QAction* action : popupAction->menu()->actions()) {
+            if (action->text() == text)
+                return action;
+        }
+    }
+    return nullptr;
+}
