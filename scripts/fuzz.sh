@@ -8,13 +8,20 @@ ZDT_WITH_FUZZ=1 "$root/scripts/install-deps.sh"
 CC=clang CXX=clang++ "$root/scripts/build.sh" "$root/build-fuzz" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DZDT_FUZZ=ON -DZDT_SANITIZE=ON -DZDT_BUILD_TESTS=OFF -DZDT_BUILD_BENCH=OFF -DZDT_BUILD_UI=OFF
 shopt -s nullglob
-for target in fuzz_classic_lines fuzz_classic_open fuzz_sax_engine fuzz_snp_parse; do
+for target in fuzz_classic_lines fuzz_classic_open fuzz_sax_engine fuzz_snp_parse fuzz_xpvt701_parse \
+    fuzz_xpvt702_parse; do
     corpus="$root/fuzz/corpus-$target"
     mkdir -p "$corpus"
     # Seed with the bundled samples: whole files for the opens and parses, lines for the readers.
     case "$target" in
     fuzz_classic_open) cp "$root"/samples/*.tr* "$corpus"/ 2>/dev/null || true ;;
     fuzz_sax_engine | fuzz_snp_parse) cp "$root"/samples/*.snp "$corpus"/ 2>/dev/null || true ;;
+    fuzz_xpvt701_parse) cp "$root"/samples/*.xpvt "$corpus"/ 2>/dev/null || true ;;
+    fuzz_xpvt702_parse)
+        # The target writes its own 7.02 header: seed with what follows the samples' headers.
+        for sample in "$root"/samples/*.xpvt; do
+            sed '1,/<\/Description>/d' "$sample" > "$corpus/body-$(basename "$sample")"
+        done ;;
     *)
         n=0
         for sample in "$root"/samples/*.tr*; do

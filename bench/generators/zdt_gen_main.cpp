@@ -1,7 +1,9 @@
-// zdt-gen: writes generated classic traces, CAN filter files and snapshot files.
+// zdt-gen: writes generated classic traces, CAN filter files, snapshot files and process
+// value traces.
 
 #include "ClassicTraceGenerator.h"
 #include "SnapshotGenerator.h"
+#include "XpvtTraceGenerator.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,6 +21,7 @@ const char* const kUsage =
   zdt-gen classic [options] OUT          a classic trace; OUT "-" writes to standard output
   zdt-gen flt --type StopFilter|PassFilter --ids 7E8,7DF [--plain] OUT
   zdt-gen snp [--seed N] [--snapshots N | --bytes N] [--hostile LIST] [options] OUT
+  zdt-gen xpvt --schema 701|702 [--schema-text T] [--size N | --results N] [--seed S] [--hostile] OUT
   zdt-gen --help
 
 classic options:
@@ -67,6 +70,26 @@ snp options:
   --rows FILE             also write the rows a reader must list: "#DateTime" TAB value,
                           then per row flags, Event, Description, Name, Value, Unit by TABs;
                           not written for a truncated file, which opens no document
+
+xpvt options:
+  --schema 701|702        the element tree to write (default 702)
+  --schema-text T         the header's Schema text as given, e.g. "7.02", "7,02 " (default
+                          "7.01" or "7,02"); C escapes \n, \t and \\ are read
+  --no-schema             no Schema element in the header
+  --size N                write results until the file holds N bytes (suffix K, M, G)
+  --results N             results to write (default 8)
+  --seed N                random seed (default 1)
+  --hostile               unknown and misplaced elements, texts split by entities, CDATA and
+                          comments, control characters, UTF-8, repeated leaves, deep nesting;
+                          the file stays a well-formed trace
+  --depth N               levels of the deep nesting (default 210)
+  --truncated             the file stops in the middle of an element: not well-formed
+  --foreign               well-formed, but the root is another element holding a trace
+  --datetime TEXT         DateTime of the header (default "2023-11-21T14:05:09")
+  --no-datetime           no DateTime on the header
+  --no-date-children      no Date and Time children in the header
+  --compact               no line breaks or indentation between elements
+  --parameter-depth N     deepest level of nested parameters (default 3)
 )";
 
 struct UsageError : std::runtime_error {
@@ -407,6 +430,73 @@ int RunSnapshot(Arguments args) {
     return 0;
 }
 
+// "\n", "\t" and "\\" in a command-line text, so a line break can be asked for.
+std::string Unescape(const std::string& text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\\' || i + 1 == text.size()) {
+            out += text[i];
+            continue;
+        }
+        const char next = text[++i];
+        out += next == 'n' ? '\n' : next == 't' ? '\t' : next == 'r' ? '\r' : next;
+    }
+    return out;
+}
+
+bool ParseXpvtOption(zdtgen::XpvtTraceOptions& o, const std::string& arg, Arguments& args) {
+    if (arg == "--schema") {
+        const std::string schema = args.Value(arg);
+        if (schema == "701") o.schema = zdtgen::XpvtSchema::V701;
+        else if (schema == "702") o.schema = zdtgen::XpvtSchema::V702;
+        else throw UsageError("--schema wants 701 or 702");
+    } else if (arg == "--schema-text") o.schemaText = Unescape(args.Value(arg));
+    else if (arg == "--no-schema") o.omitSchema = true;
+    else if (arg == "--size") o.targetBytes = ParseCount(args.Value(arg));
+    else if (arg == "--results") { o.results = ParseCount(args.Value(arg)); o.targetBytes = 0; }
+    else if (arg == "--seed") o.seed = ParseCount(args.Value(arg));
+    else if (arg == "--hostile") {
+        const zdtgen::XpvtHostile kept = o.hostile;
+        o.hostile = zdtgen::XpvtHostile::InFileKinds();
+        o.hostile.truncatedEnd = kept.truncatedEnd;
+        o.hostile.foreignRoot = kept.foreignRoot;
+        o.hostile.nestingDepth = kept.nestingDepth;
+    } else if (arg == "--depth") o.hostile.nestingDepth = static_cast<std::uint32_t>(ParseCount(args.Value(arg)));
+    else if (arg == "--truncated") o.hostile.truncatedEnd = true;
+    else if (arg == "--foreign") o.hostile.foreignRoot = true;
+    else if (arg == "--datetime") o.descriptionDateTime = args.Value(arg);
+    else if (arg == "--no-datetime") o.descriptionDateTime.reset();
+    else if (arg == "--no-date-children") o.descriptionDateChildren = false;
+    else if (arg == "--compact") o.indent = false;
+    else if (arg == "--parameter-depth") o.parameterDepth = static_cast<std::uint32_t>(ParseCount(args.Value(arg)));
+    else return false;
+    return true;
+}
+
+int RunXpvt(Arguments args) {
+    zdtgen::XpvtTraceOptions o;
+    std::string outPath;
+    bool countGiven = false, sizeGiven = false;
+    while (!args.Done()) {
+        const std::string arg = args.Next();
+        countGiven = countGiven || arg == "--results";
+        sizeGiven = sizeGiven || arg == "--size";
+        if (ParseXpvtOption(o, arg, args))
+            continue;
+        if (arg.size() > 1 && arg[0] == '-')
+            throw UsageError("unknown option: " + arg);
+        if (!outPath.empty())
+            throw UsageError("more than one output file");
+        outPath = arg;
+    }
+    if (countGiven && sizeGiven)
+        throw UsageError("--results and --size exclude each other");
+    if (outPath.empty())
+        throw UsageError("no output file");
+    WriteOutput(outPath, [&](std::ostream& out) { zdtgen::WriteXpvtTrace(out, o); });
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -429,6 +519,8 @@ int main(int argc, char** argv) {
             return RunFilter(Arguments(argc, argv, 2));
         if (command == "snp")
             return RunSnapshot(Arguments(argc, argv, 2));
+        if (command == "xpvt")
+            return RunXpvt(Arguments(argc, argv, 2));
         throw UsageError("unknown command: " + command);
     } catch (const UsageError& e) {
         std::cerr << "zdt-gen: " << e.what() << "\n" << kUsage;

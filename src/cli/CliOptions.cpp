@@ -61,7 +61,20 @@ const char* UsageText() {
            "  info FILE.snp    the session information and the number of rows\n"
            "  find FILE.snp name=value ...\n"
            "                   one search with the fields of the search criteria, e.g.\n"
-           "                   searchService=1 serviceNameOn=1 serviceName=Read\n";
+           "                   searchService=1 serviceNameOn=1 serviceName=Read\n"
+           "\n"
+           "Process value traces (.xpvt, any case; schemas 7.01 and 7.02):\n"
+           "  rows FILE.xpvt   LINE ROWFLAGS FIELD1 ..., separated by tabs, as stored\n"
+           "                   (7 fields per 7.01 row, 9 per 7.02 row)\n"
+           "  info FILE.xpvt   the session information and the number of rows\n"
+           "  find FILE.xpvt name=value ...\n"
+           "                   one search; a 7.01 file takes the fields of its criteria,\n"
+           "                   e.g. searchRequests=1 parameterEnabled=1 parameterText=Speed;\n"
+           "                   a 7.02 file takes Section.field=value with the sections\n"
+           "                   LogicalLinkSection RequestSection ResponseSection\n"
+           "                   PrimitiveSection ResultSection ParameterSection, e.g.\n"
+           "                   RequestSection.name=Read (a named section is searched as if\n"
+           "                   its page's Find was pressed); flags take 0, 1, true or false\n";
 }
 
 CliArguments ParseCliArguments(int argc, char** argv) {

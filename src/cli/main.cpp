@@ -2,6 +2,7 @@
 #include "ClassicCommands.h"
 #include "CliOptions.h"
 #include "SnpCommands.h"
+#include "XpvtCommands.h"
 #include "app/DocumentRoute.h"
 
 #include <cstdio>
@@ -21,10 +22,8 @@ int Dispatch(const CliArguments& args) {
     const zdt::DocumentFamily family = zdt::FamilyForPath(args.files[0]);
     if (family == zdt::DocumentFamily::Snp)
         return RunSnpCommand(args);
-    if (family != zdt::DocumentFamily::Classic) {
-        std::fprintf(stderr, "%s: this kind of document cannot be read by zdt-cli yet\n", args.files[0].c_str());
-        return 1;
-    }
+    if (family == zdt::DocumentFamily::Xpvt)
+        return RunXpvtCommand(args);
     if (args.command == "rows")
         return RunClassicRows(args);
     if (args.command == "info")

@@ -59,6 +59,9 @@ public:
 
     // Null here; a concrete document returns its own description.
     virtual Description* getDescription() { return nullptr; }
+    // A format that learns its schema while it is read puts that schema's tables into
+    // the running parser here; nothing by default.
+    virtual void installSchemaTables() {}
 
     FileContainer<BaseDoc>& container() { return m_container; }
     const FileContainer<BaseDoc>& container() const { return m_container; }

@@ -64,6 +64,7 @@ void FileContainerBase::closeAndRemove() {
 }
 
 void FileContainerBase::createSwapFile(const std::string& directory) {
+    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     std::error_code ignored;
     if (!directory.empty())
         std::filesystem::create_directories(directory, ignored);
@@ -94,6 +95,7 @@ void FileContainerBase::createSwapFile(const std::string& directory) {
 }
 
 void FileContainerBase::appendRow(std::string_view text) {
+    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     if (m_fd < 0)
         return;
     if (m_writeFailed)
@@ -113,6 +115,7 @@ void FileContainerBase::appendRow(std::string_view text) {
 }
 
 void FileContainerBase::flush() {
+    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     if (m_writeBuffer.empty() || m_fd < 0)
         return;
     try {
@@ -145,6 +148,7 @@ void FileContainerBase::writeAt(std::uint64_t offset, const char* bytes, std::si
 }
 
 std::string FileContainerBase::readRow(int row) {
+    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     if (m_rowCount == 0 || row >= m_rowCount)
         throw Exception(ReadOutOfRangeText);
     if (row < 0)
@@ -169,6 +173,7 @@ std::string FileContainerBase::readRow(int row) {
 }
 
 void FileContainerBase::rewriteRow(int row, std::string_view text) {
+    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     if (row >= m_rowCount)
         throw Exception(RewriteOutOfRangeText);
     std::uint64_t offset = 0;
@@ -231,6 +236,7 @@ void FileContainerBase::splitIntoCachedColumns(const std::string& row) {
 }
 
 void FileContainerBase::getColumnText(int row, int column, char* buffer, int capacity) {
+    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     const std::vector<std::string>& columns = cachedColumnsOf(row);
     if (buffer == nullptr || capacity < 1)
         return;
@@ -246,6 +252,7 @@ void FileContainerBase::getColumnText(int row, int column, char* buffer, int cap
 }
 
 std::string FileContainerBase::columnText(int row, int column) {
+    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     const std::vector<std::string>& columns = cachedColumnsOf(row);
     if (column < 0 || static_cast<std::size_t>(column) >= columns.size())
         return MissingColumnText;
@@ -255,6 +262,7 @@ std::string FileContainerBase::columnText(int row, int column) {
 // Test seam: a row whose bytes are never written, leaving a hole in a sparse file, so
 // offsets beyond 4 GiB can be reached without writing gigabytes.
 void FileContainerBase::appendUnwrittenRow(std::uint64_t size) {
+    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     flush();
     const std::uint64_t next = m_endOffset + size;
     if (!m_rowOffsets.Append(next))

@@ -2,7 +2,9 @@
 
 #include "trace/ChunkedArray.h"
 
+#include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <exception>
 #include <string>
 #include <string_view>
@@ -17,6 +19,8 @@ class FileContainerTestPeer;
 // 0x01; on file a space closes the row. Appends are buffered and written in large
 // blocks; every read or rewrite first puts the buffer on file, so what is read is
 // exactly what a direct write of every row would have left there.
+// A list may paint rows while a search marks them on another thread, so every public
+// operation holds the container's lock.
 class FileContainerBase {
 public:
     // Carries a static text; thrown by value, caught by reference.
@@ -72,7 +76,7 @@ public:
     // full disk is reported by the open.
     void flush();
 
-    int rowCount() const { return m_rowCount; }
+    int rowCount() const { return m_rowCount.load(); }
     const std::string& swapFileName() const { return m_swapFileName; }
     // Where the next row will start.
     std::uint64_t endOffset() const { return m_endOffset; }
@@ -86,11 +90,13 @@ private:
     void writeAt(std::uint64_t offset, const char* bytes, std::size_t size);
     void appendUnwrittenRow(std::uint64_t size);
 
+    // Recursive: public operations call each other (a read flushes first).
+    mutable std::recursive_mutex m_mutex;
     int m_fd = -1;
     std::string m_swapFileName;
     // Entry i is where row i starts; entry m_rowCount is where the next row goes.
     OffsetArray m_rowOffsets;
-    int m_rowCount = 0;
+    std::atomic<int> m_rowCount{0};
     int m_cachedRowIndex = -1;
     std::vector<std::string> m_cachedColumns;
 

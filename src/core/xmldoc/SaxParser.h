@@ -24,17 +24,31 @@ struct ElementTransition {
     Elements element;
 };
 
+// The record a format's routines receive: ConsumerContext, unless the traits name
+// their own (a format that adds fields to it).
+template <typename Traits>
+struct ContextOf {
+    using type = ConsumerContext<typename Traits::Consumer>;
+};
+template <typename Traits>
+    requires requires { typename Traits::Context; }
+struct ContextOf<Traits> {
+    using type = typename Traits::Context;
+};
+
 // Table-driven Expat driver shared by every XML format. The traits class supplies:
 //   enum XMLElements : int { ..., UnknownElement, ..., DocumentRoot }  (DocumentRoot highest)
 //   using Consumer = ...;
 //   static void install(SaxParser<Traits>& parser);  // sets tables and routines
+//     or install(SaxParser<Traits>&, Context&) when the tables depend on the consumer
+//   using Context = ...;  // optional, see ContextOf
 // Each instantiation has its own Exception type, so a pass catches only its own.
 template <typename Traits>
 class SaxParser {
 public:
     using XMLElements = typename Traits::XMLElements;
     using Consumer = typename Traits::Consumer;
-    using Context = ConsumerContext<Consumer>;
+    using Context = typename ContextOf<Traits>::type;
     using Transition = ElementTransition<XMLElements>;
     using StartRoutine = void (*)(Context& context, const char** attributes);
     using CharacterRoutine = void (*)(Context& context, const std::string& text);
@@ -71,7 +85,10 @@ public:
     // The file stays open until release(), as a document keeps its input for its life.
     void parse(const char* fileName, Context& context, ProgressCallback progress = {}) {
         open(fileName, context);
-        Traits::install(*this);
+        if constexpr (requires { Traits::install(*this, context); })
+            Traits::install(*this, context);
+        else
+            Traits::install(*this);
         fillMissingTransitions();
         readLoop(progress);
     }

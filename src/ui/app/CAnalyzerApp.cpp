@@ -7,8 +7,8 @@
 #include "app/CMainFrame.h"
 #include "app/DocumentRoute.h"
 #include "app/HelpWindow.h"
-#include "app/PlaceholderTemplate.h"
 #include "snp/SnpTemplate.h"
+#include "xpvt/XpvtTemplate.h"
 
 #include <QApplication>
 #include <QDir>
@@ -101,7 +101,7 @@ bool CAnalyzerApp::InitInstance(const QStringList& arguments) {
 void CAnalyzerApp::registerTemplates() {
     m_templates.clear();
     m_templates.push_back(m_classicTemplate());
-    m_templates.push_back(std::make_unique<PlaceholderTemplate>(QStringLiteral(".XPVT"), QStringLiteral("XPVT")));
+    m_templates.push_back(std::make_unique<XpvtTemplate>());
     m_templates.push_back(std::make_unique<SnpTemplate>());
 }
 
@@ -134,7 +134,8 @@ CChildFrame* CAnalyzerApp::findOpenDocument(const QString& path) const {
 
 UiDocument* CAnalyzerApp::openDocumentFile(const QString& path) {
     DocumentTemplate* documentTemplate = matchTemplate(path);
-    if (documentTemplate == nullptr || m_mainFrame == nullptr)
+    // Once the frame was asked to close, a file chosen before that opens no more.
+    if (documentTemplate == nullptr || m_mainFrame == nullptr || m_mainFrame->isClosePending())
         return nullptr;
     // One spelling per file, so that a file already open is found again.
     const QString fullPath = path.isEmpty() ? path : QDir::cleanPath(QFileInfo(path).absoluteFilePath());
@@ -144,6 +145,8 @@ UiDocument* CAnalyzerApp::openDocumentFile(const QString& path) {
     }
 
     std::unique_ptr<UiDocument> document = documentTemplate->createDocument();
+    if (document->opensInItsWindow())
+        return openInItsWindow(std::move(document), fullPath);
     // A document names itself while it opens, before it has a window to show the name.
     QString caption;
     const QMetaObject::Connection naming =
@@ -160,6 +163,34 @@ UiDocument* CAnalyzerApp::openDocumentFile(const QString& path) {
     m_recentFiles.add(fullPath);
     m_mainFrame->refreshCommands();
     return result;
+}
+
+// The window and its list stand before the file is read, so the rows show as they come.
+// The window is in the frame's list from the start: a second open of the same path from
+// inside the read's event passes finds it there.
+UiDocument* CAnalyzerApp::openInItsWindow(std::unique_ptr<UiDocument> document, const QString& fullPath) {
+    UiDocument* result = document.get();
+    // A window that goes again gives the activation back to the one it took it from.
+    const QPointer<QMdiSubWindow> previous = m_mainFrame->mdiArea()->currentSubWindow();
+    QPointer<CChildFrame> child =
+        new CChildFrame(std::move(document), m_mainFrame.get(), QFileInfo(fullPath).fileName(), m_mainFrame.get());
+    // From the command line the frame is not up yet; the list must be seen while it grows.
+    if (!m_mainFrame->isVisible())
+        m_mainFrame->show();
+    m_mainFrame->addChildFrame(child);
+    const bool opened = result->open(fullPath, m_mainFrame.get());
+    if (opened)
+        m_recentFiles.add(fullPath);
+    const bool keep = opened && child != nullptr && !child->closeRequestedWhileOpening();
+    if (!keep && child != nullptr) {
+        child->discard();
+        delete child;
+        if (previous != nullptr)
+            m_mainFrame->mdiArea()->setActiveSubWindow(previous);
+    }
+    m_mainFrame->refreshCommands();
+    m_mainFrame->openingEnded();
+    return keep ? result : nullptr;
 }
 
 void CAnalyzerApp::OnFileOpen() {

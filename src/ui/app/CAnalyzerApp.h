@@ -84,6 +84,7 @@ private:
     void registerTemplates();
     DocumentTemplate* matchTemplate(const QString& path) const;
     CChildFrame* findOpenDocument(const QString& path) const;
+    UiDocument* openInItsWindow(std::unique_ptr<UiDocument> document, const QString& fullPath);
 
     TemplateFactory m_classicTemplate;
     const zdt::EditionInfo& m_edition;

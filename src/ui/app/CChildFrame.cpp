@@ -32,6 +32,13 @@ CommandView* CChildFrame::commandView() const {
 }
 
 void CChildFrame::closeEvent(QCloseEvent* event) {
+    // The parse is on the stack below this event: the window may only go once it returned.
+    if (m_document->isOpening()) {
+        m_closeWhenOpened = true;
+        m_document->cancelOpening();
+        event->ignore();
+        return;
+    }
     // The status is cleared before the window goes, so that the next window's view,
     // activated while this one closes, has the last word on the status bar.
     closeDocument();

@@ -22,6 +22,13 @@ public:
     // The view's commands; null only if a family's view forgot to implement them.
     CommandView* commandView() const;
 
+    // The user closed the window while its document was still reading: the read was
+    // cancelled and the window waits for open() to return before it goes.
+    bool closeRequestedWhileOpening() const { return m_closeWhenOpened; }
+    // Closes the document of a window that is about to go without having been shown
+    // as open (a failed or cancelled open); the caller then deletes the window.
+    void discard() { closeDocument(); }
+
 protected:
     void closeEvent(QCloseEvent* event) override;
 
@@ -31,6 +38,7 @@ private:
     std::unique_ptr<UiDocument> m_document;
     StatusSink* m_status;
     bool m_documentClosed = false;
+    bool m_closeWhenOpened = false;
 };
 
 } // namespace zdtui

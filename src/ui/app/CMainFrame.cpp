@@ -16,6 +16,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTimer>
 #include <QToolBar>
 #include <QUrl>
 
@@ -40,13 +41,17 @@ QStringList LocalFiles(const QMimeData* data) {
     return paths;
 }
 
-// The label every view command carries when no view serves it: the classic menu's.
+// The label every view command carries when no view serves it: the classic menu's, and
+// for the commands only the XML families have, theirs.
 QMap<ViewCommand, QString> ViewCommandTexts() {
     QMap<ViewCommand, QString> texts;
-    for (const PopupResource& popup : MenuResource(142)) {
-        for (const MenuItemResource& item : popup.items) {
-            if (item.kind == MenuItemResource::Kind::Command && std::holds_alternative<ViewCommand>(item.command))
-                texts.insert(std::get<ViewCommand>(item.command), item.text);
+    for (int menu : {142, 139}) {
+        for (const PopupResource& popup : MenuResource(menu)) {
+            for (const MenuItemResource& item : popup.items) {
+                if (item.kind == MenuItemResource::Kind::Command && std::holds_alternative<ViewCommand>(item.command) &&
+                    !texts.contains(std::get<ViewCommand>(item.command)))
+                    texts.insert(std::get<ViewCommand>(item.command), item.text);
+            }
         }
     }
     return texts;
@@ -258,7 +263,41 @@ void CMainFrame::dropEvent(QDropEvent* event) {
     OnDropFiles(paths);
 }
 
+// True when a document was still reading: it is told to stop.
+bool CMainFrame::cancelOpenings() {
+    bool opening = false;
+    for (CChildFrame* child : childFrames()) {
+        if (child->document()->isOpening()) {
+            child->document()->cancelOpening();
+            opening = true;
+        }
+    }
+    return opening;
+}
+
+void CMainFrame::openingEnded() {
+    if (!m_closePending || m_closeQueued)
+        return;
+    for (CChildFrame* child : childFrames()) {
+        if (child->document()->isOpening())
+            return;
+    }
+    // Later, from the event loop: the open that just ended still has its caller to return to.
+    m_closeQueued = true;
+    QTimer::singleShot(0, this, [this] {
+        m_closeQueued = false;
+        m_closePending = false;
+        close();
+    });
+}
+
 void CMainFrame::closeEvent(QCloseEvent* event) {
+    // A read below this event on the stack must unwind before any window goes.
+    if (cancelOpenings()) {
+        m_closePending = true;
+        event->ignore();
+        return;
+    }
     for (QMdiSubWindow* window : m_mdiArea->subWindowList()) {
         if (!window->close()) {
             event->ignore();
@@ -338,6 +377,9 @@ void CMainFrame::rebuildMenus(CommandView* view) {
             case MenuItemResource::Kind::RecentFiles:
                 addRecentFiles(menu);
                 break;
+            case MenuItemResource::Kind::ColumnsPopup:
+                addColumnsPopup(menu, item.text, view);
+                break;
             case MenuItemResource::Kind::WindowList: {
                 const int fixedActions = int(menu->actions().size());
                 connect(menu, &QMenu::aboutToShow, this,
@@ -390,6 +432,15 @@ void CMainFrame::addRecentFiles(QMenu* menu) {
         QAction* action = menu->addAction(QStringLiteral("&%1 %2").arg(i + 1).arg(paths[i]));
         connect(action, &QAction::triggered, this, [this, i] { m_app.OpenRecentFile(i); });
     }
+}
+
+// The popup is the active view's: the menus are rebuilt whenever another child becomes
+// active, and the view fills it with its own columns.
+void CMainFrame::addColumnsPopup(QMenu* menu, const QString& title, CommandView* view) {
+    QMenu* columns = menu->addMenu(title);
+    if (view != nullptr)
+        view->fillColumnsMenu(columns);
+    columns->setEnabled(!columns->actions().isEmpty());
 }
 
 // The open windows follow the fixed items, the active one checked.

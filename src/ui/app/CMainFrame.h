@@ -61,6 +61,12 @@ public:
     // Rebuilds menus and tool bars, e.g. after the recent-file list changed.
     void refreshCommands();
 
+    // The user closed the frame while a document was still reading: the reads were
+    // cancelled, and no other file may open until the frame has closed.
+    bool isClosePending() const { return m_closePending; }
+    // A document's open() returned; a pending close goes ahead once no read is left.
+    void openingEnded();
+
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -78,6 +84,8 @@ private:
     void dressViewAction(QAction* action, const QString& resourceText, ViewCommand command);
     void undressViewActions();
     void addRecentFiles(QMenu* menu);
+    void addColumnsPopup(QMenu* menu, const QString& title, CommandView* view);
+    bool cancelOpenings();
     void fillWindowList(QMenu* menu, int fixedActions);
     void updateTitle();
     void tile(Qt::Orientation orientation);
@@ -98,6 +106,8 @@ private:
     QList<QMenu*> m_menus;
     QPointer<CChildFrame> m_activeChild;
     int m_menuResourceShown = 0;
+    bool m_closePending = false;
+    bool m_closeQueued = false;
 };
 
 } // namespace zdtui

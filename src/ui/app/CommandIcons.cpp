@@ -176,6 +176,12 @@ QIcon ViewIcon(ViewCommand command) {
             p.drawLine(9, 9, 15, 15);
             p.drawLine(15, 9, 9, 15);
         });
+    case ViewCommand::SaveAs:
+    case ViewCommand::ToggleNamedBookmark:
+    case ViewCommand::BookmarkList:
+    case ViewCommand::Filter:
+        // Menu-only commands of the XML documents: no tool bar picture.
+        return QIcon();
     }
     return QIcon();
 }

@@ -19,6 +19,9 @@ MenuItemResource RecentFiles() {
 MenuItemResource WindowList() {
     return {Kind::WindowList, QString(), FrameCommand::FileOpen};
 }
+MenuItemResource ColumnsPopup() {
+    return {Kind::ColumnsPopup, QStringLiteral("&Columns"), FrameCommand::FileOpen};
+}
 
 // The edition whose titles a menu resource carries.
 int EditionOfMenu(int id) {
@@ -56,6 +59,17 @@ std::vector<PopupResource> MainMenu(int id) {
     };
 }
 
+// One menu serves every edition of an XML family: its About item names the running edition.
+int MainMenuOfEdition() {
+    return zdt::EditionInfoFor(zdt::BrandEdition()).mainFrameId;
+}
+
+PopupResource WindowPopup() {
+    return {"&Window",
+            {Item("&Cascade", FrameCommand::WindowCascade), Item("Tile &Horizontally", FrameCommand::WindowTileHorizontal),
+             Item("Tile &Vertically", FrameCommand::WindowTileVertical), WindowList()}};
+}
+
 std::vector<PopupResource> ClassicMenu(int id) {
     // The partner's menu keeps the trailing blank of this item.
     const char* styleKLine = id == 143 ? "Style KLine Link " : "Style KLine Link";
@@ -79,10 +93,42 @@ std::vector<PopupResource> ClassicMenu(int id) {
          {Item(styleKLine, ViewCommand::StyleKLine), Item("Style CAN Link", ViewCommand::StyleCan), Separator(),
           Item("&Toolbar", FrameCommand::ViewToolbar), Item("B&ookmark Toolbar", FrameCommand::ViewBookmarkToolbar),
           Item("&Status Bar", FrameCommand::ViewStatusBar)}},
-        {"&Window",
-         {Item("&Cascade", FrameCommand::WindowCascade), Item("Tile &Horizontally", FrameCommand::WindowTileHorizontal),
-          Item("Tile &Vertically", FrameCommand::WindowTileVertical), WindowList()}},
+        WindowPopup(),
         HelpPopup(id),
+    };
+}
+
+// The menu of the XML document families. Only process value traces have the "&Columns"
+// popup; a snapshot's columns are toggled from the list's own context menu.
+std::vector<PopupResource> XmlDocumentMenu(int id) {
+    std::vector<MenuItemResource> view;
+    if (id == 139)
+        view = {ColumnsPopup(), Separator()};
+    for (MenuItemResource item :
+         {Item("&Toolbar", FrameCommand::ViewToolbar), Item("B&ookmark Toolbar", FrameCommand::ViewBookmarkToolbar),
+          Item("&Status Bar", FrameCommand::ViewStatusBar)})
+        view.push_back(item);
+    return {
+        {"&File",
+         {Item("&Open...\tCtrl+O", FrameCommand::FileOpen), Item("&Close", FrameCommand::FileClose), Separator(),
+          Item("&Print...\tCtrl+P", ViewCommand::Print), Item("Print Pre&view", ViewCommand::PrintPreview),
+          Item("P&rint Setup...", FrameCommand::FilePrintSetup), Separator(),
+          Item("Save &As...\tCtrl+Shift+S", ViewCommand::SaveAs), Separator(), RecentFiles(), Separator(),
+          Item("E&xit", FrameCommand::AppExit)}},
+        {"&Session",
+         {Item("Session Info...", ViewCommand::SessionInfo), Separator(), Item("&Find\tCtrl+F", ViewCommand::Find),
+          Item("Find &Next\tCtrl+F3", ViewCommand::FindNext),
+          Item("Find &Previous\tCtrl+Shift+F3", ViewCommand::FindPrevious), Separator(),
+          Item("&Toggle Bookmark\tCtrl+F2", ViewCommand::ToggleBookmark),
+          Item("Toggle Bookmark with Na&me...\tCtrl+Alt+F2", ViewCommand::ToggleNamedBookmark),
+          Item("&Goto Next Bookmark\tF2", ViewCommand::NextBookmark),
+          Item("Goto Previous &Bookmark\tShift+F2", ViewCommand::PreviousBookmark),
+          Item("Clear All Bookmarks\tCtrl+Shift+F2", ViewCommand::ClearBookmarks),
+          Item("Bookmark &List...\tCtrl+B", ViewCommand::BookmarkList), Separator(),
+          Item("Filte&r...", ViewCommand::Filter)}},
+        {"&View", view},
+        WindowPopup(),
+        HelpPopup(MainMenuOfEdition()),
     };
 }
 
@@ -90,6 +136,9 @@ std::vector<PopupResource> ClassicMenu(int id) {
 
 std::vector<PopupResource> MenuResource(int id) {
     switch (id) {
+    case 139:
+    case 111:
+        return XmlDocumentMenu(id);
     case 142:
     case 143:
         return ClassicMenu(id);

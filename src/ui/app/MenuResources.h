@@ -13,7 +13,8 @@ namespace zdtui {
 // One entry of a menu resource. `text` is written as in the resource: the label, and
 // behind a tab the accelerator ("&Find\tCtrl+F").
 struct MenuItemResource {
-    enum class Kind { Command, Separator, RecentFiles, WindowList };
+    // ColumnsPopup is a submenu that the active view fills with its columns.
+    enum class Kind { Command, Separator, RecentFiles, WindowList, ColumnsPopup };
     Kind kind = Kind::Command;
     QString text;
     MenuCommand command = FrameCommand::FileOpen;
@@ -25,7 +26,8 @@ struct PopupResource {
 };
 
 // Menu bars by resource id: 128, 130 and 131 are the main menus of the three editions
-// (shown with no document), 142 and 143 the classic document's menus. Unknown ids give 128.
+// (shown with no document), 142 and 143 the classic document's menus, 139 the process
+// value trace's and 111 the snapshot's. Unknown ids give 128.
 std::vector<PopupResource> MenuResource(int id);
 
 inline constexpr int MainToolBarResource = 128;

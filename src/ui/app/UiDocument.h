@@ -6,6 +6,7 @@
 #include <memory>
 
 class QAction;
+class QMenu;
 class QWidget;
 
 namespace zdtui {
@@ -37,6 +38,11 @@ enum class ViewCommand {
     CanFilter,
     StyleKLine,
     StyleCan,
+    // The XML document families (snapshots, process value traces).
+    SaveAs,
+    ToggleNamedBookmark,
+    BookmarkList,
+    Filter,
 };
 
 // Implemented by the widget a document shows in its child window.
@@ -51,6 +57,9 @@ public:
     virtual int menuResource() const = 0;
     // The view's child window became active: refresh the status bar.
     virtual void activateView() = 0;
+    // The frame rebuilds the "&Columns" popup of its "&View" menu for the view that has
+    // the focus: the view empties `columns` and fills it with its own items.
+    virtual void fillColumnsMenu(QMenu* columns) { (void)columns; }
 };
 
 // What the application needs of an open document of any family.
@@ -66,6 +75,15 @@ public:
     // The document's own close step, once, before it is destroyed.
     virtual void close() = 0;
     virtual QString pathName() const = 0;
+
+    // A family whose list grows while its file is read returns true: its window (and
+    // view) is made first, createView() runs before open(), and a failed open closes
+    // the window again.
+    virtual bool opensInItsWindow() const { return false; }
+    // True while open() is still reading; the window then must not go away.
+    virtual bool isOpening() const { return false; }
+    // Asks a running open() to stop as soon as it can; it then returns false.
+    virtual void cancelOpening() {}
 
 signals:
     // The document's title (the child window's caption) changed.

@@ -4,6 +4,7 @@
 #include "app/CAnalyzerApp.h"
 #include "classic/CollectedMessages.h"
 #include "classic/ProgressRunner.h"
+#include "xmldoc/IncrementalOpen.h"
 #include "snp/SnpSessionInfoDialog.h"
 #include "snp/SnpView.h"
 #include "snp/dialogs/SnpFindDialog.h"
@@ -12,7 +13,6 @@
 #include <QDir>
 #include <QFile>
 #include <QProgressDialog>
-#include <QTimer>
 
 namespace zdtui {
 namespace {
@@ -30,59 +30,98 @@ QString DefaultSwapDirectory() {
 
 }  // namespace
 
-SnpUiDocument::SnpUiDocument(QString swapDirectory) : m_swapDirectory(std::move(swapDirectory)) {}
+SnpUiDocument::SnpUiDocument(QString swapDirectory)
+    : m_swapDirectory(std::move(swapDirectory)), m_doc(std::make_unique<ZDTAnalyzer::SnpDoc>()) {
+    listenToDocument(true);
+}
 
 SnpUiDocument::~SnpUiDocument() {
     listenToDocument(false);
 }
 
-// The document tells its views of every change; while work runs on the worker thread
-// nobody may listen, as the views read the same swap file.
+// While a search runs on the worker thread nobody may listen, as the views read the same
+// swap file.
 void SnpUiDocument::listenToDocument(bool listen) {
-    if (!m_doc)
-        return;
     if (listen)
-        m_doc->setUpdateListener([this] { emit contentChanged(); });
+        m_doc->setUpdateListener([this] { markChanged(); });
     else
         m_doc->setUpdateListener({});
 }
 
+// A read appends rows by the thousand between two event passes: the views take them in
+// one step. A jump is asked for only for the length of one update, so it goes at once.
+void SnpUiDocument::markChanged() {
+    m_changed = true;
+    if (m_doc->jumpRow() != -1) {
+        deliverChange();
+        return;
+    }
+    if (m_changeQueued)
+        return;
+    m_changeQueued = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_changeQueued = false;
+            deliverChange();
+        },
+        Qt::QueuedConnection);
+}
+
+void SnpUiDocument::deliverChange() {
+    if (!m_changed)
+        return;
+    m_changed = false;
+    emit contentChanged();
+}
+
+void SnpUiDocument::cancelOpening() {
+    if (m_opening != nullptr)
+        m_opening->cancel();
+}
+
 bool SnpUiDocument::open(const QString& path, QWidget* dialogParent) {
+    if (m_opening != nullptr || !m_path.isEmpty())
+        return false;  // a document reads its file once
     m_path = path;
-    auto doc = std::make_unique<ZDTAnalyzer::SnpDoc>();
+    emit titleChanged(m_path);
     CollectedMessages messages;
-    bool opened = false;
     const std::string localPath = LocalPath(path);
     const std::string swapDirectory = LocalPath(m_swapDirectory.isEmpty() ? DefaultSwapDirectory() : m_swapDirectory);
-    ProgressRunner runner(dialogParent, tr("Reading %1").arg(path), true);
-    connect(&runner, &ProgressRunner::started, this, &SnpUiDocument::progressStarted);
-    const bool finished = runner.run([&](zdt::ProgressSink& progress) {
-        opened = doc->OnOpenDocument(localPath, swapDirectory, &messages, &progress);
-    });
+    IncrementalOpen runner(dialogParent, tr("Reading %1").arg(path));
+    connect(&runner, &IncrementalOpen::started, this, &SnpUiDocument::progressStarted);
+    m_opening = &runner;
+    // The commands that must wait for the whole file see the open begin.
+    emit contentChanged();
+    const bool opened = runner.run(
+        [&](zdt::ProgressSink& progress) { return m_doc->OnOpenDocument(localPath, swapDirectory, &messages, &progress); },
+        [this] {
+            deliverChange();
+            refreshStatus();
+            emit openingRefreshed();
+        });
+    m_opening = nullptr;
+    m_changed = false;
+    emit contentChanged();
+    refreshStatus();
     messages.showAll(dialogParent);
     // Cancel pressed as the last block was read still means the user gave the file up.
-    if (!opened || !finished)
-        return false;
-    m_doc = std::move(doc);
-    listenToDocument(true);
-    return true;
+    return opened;
 }
 
 QWidget* SnpUiDocument::createView(QWidget* parent, StatusSink* status) {
-    if (!m_doc)
-        return nullptr;
     m_status = status;
     auto* view = new SnpView(*this, parent);
+    m_view = view;
     view->initialUpdate();
     connect(this, &SnpUiDocument::contentChanged, view, &SnpView::OnUpdate);
-    // The frame may connect to the title only once it has the view: tell it again then.
-    QTimer::singleShot(0, this, [this] { emit titleChanged(m_path); });
-    emit titleChanged(m_path);
     return view;
 }
 
+// Only the active view's document may write the status bar; a list that grows behind
+// another window keeps quiet.
 void SnpUiDocument::refreshStatus() {
-    if (m_status != nullptr && m_doc)
+    if (m_status != nullptr && (m_view == nullptr || m_view->isActiveView()))
         m_status->SetStatusDocument(m_path, m_doc->container().rowCount());
 }
 
@@ -96,7 +135,7 @@ void SnpUiDocument::close() {
 }
 
 void SnpUiDocument::onFind(QWidget* parent) {
-    if (!m_doc)
+    if (isOpening())
         return;
     if (!RunSnpFindDialog(parent, m_findCriteria))
         return;
@@ -104,7 +143,8 @@ void SnpUiDocument::onFind(QWidget* parent) {
 }
 
 void SnpUiDocument::runFind(QWidget* parent, const ZDTAnalyzer::SnpFindCriteria& criteria) {
-    if (!m_doc)
+    // The search reads the file on a worker thread; the open still writes the rows.
+    if (isOpening())
         return;
     CollectedMessages messages;
     listenToDocument(false);
@@ -118,8 +158,6 @@ void SnpUiDocument::runFind(QWidget* parent, const ZDTAnalyzer::SnpFindCriteria&
 }
 
 void SnpUiDocument::onSessionInformation(QWidget* parent) {
-    if (!m_doc)
-        return;
     BoxMessageSink boxes(parent);
     m_doc->showSessionInformation(&boxes, [parent](const ZDTAnalyzer::SnpDoc::SessionInformationDialog& information) {
         SnpSessionInfoDialog dialog(information, parent);
@@ -128,7 +166,7 @@ void SnpUiDocument::onSessionInformation(QWidget* parent) {
 }
 
 void SnpUiDocument::onBookmarkList(QWidget* parent) {
-    if (m_doc && m_doc->canShowBookmarkList())
+    if (m_doc->canShowBookmarkList())
         RunBookmarkList(parent, *m_doc, m_path);
 }
 

@@ -1,6 +1,5 @@
 #include "snp/SnpView.h"
 
-#include "app/BrandEdition.h"
 #include "app/Boxes.h"
 #include "snp/SnpDocInUi.h"
 #include "snp/SnpUiDocument.h"
@@ -8,6 +7,8 @@
 #include "xmldoc/dialogs/BookmarkDialogs.h"
 
 #include <QAction>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenu>
 
 namespace zdtui {
@@ -41,6 +42,14 @@ void SnpView::initialUpdate() {
 }
 
 void SnpView::enterCommands() {
+    // Entered first so that it runs last: while the file is read, nothing that reads the
+    // whole file (search, export, print, filter) may start.
+    for (int id : {FindId, FindNextId, FindPreviousId, SaveAsId, PrintId, PrintPreviewId, FilterId}) {
+        addUpdateCommand(id, [this](QAction& action) {
+            if (m_uiDocument.isOpening())
+                action.setEnabled(false);
+        });
+    }
     const auto whenBookmarks = [this](QAction& action) { action.setEnabled(HasBookmarks(doc())); };
     const auto whenFindResults = [this](QAction& action) { action.setEnabled(!doc().findResults().empty()); };
     addCommand(PreviousBookmarkId, [this] { goTo(PreviousBookmarkId); });
@@ -68,27 +77,6 @@ void SnpView::enterCommands() {
     addCommand(SessionInformationId, [this] { m_uiDocument.onSessionInformation(this); });
     addCommand(BookmarkListId, [this] { m_uiDocument.onBookmarkList(this); });
     addUpdateCommand(BookmarkListId, [this](QAction& action) { action.setEnabled(doc().canShowBookmarkList()); });
-    addViewShortcuts();
-}
-
-// The frame's menus have no entries for these yet; keys on the list reach them meanwhile.
-void SnpView::addViewShortcuts() {
-    const struct {
-        int id;
-        const char* text;
-        QKeySequence keys;
-    } shortcuts[] = {
-        {SaveAsId, "Save &As...", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)},
-        {BookmarkListId, "Bookmark &List...", QKeySequence(Qt::CTRL | Qt::Key_B)},
-        {ToggleBookmarkDialogId, "Toggle Bookmark with &Name...", QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_F2)},
-    };
-    for (const auto& shortcut : shortcuts) {
-        QAction* action = commandActionById(shortcut.id);
-        action->setText(QString::fromUtf8(shortcut.text));
-        action->setShortcut(shortcut.keys);
-        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        addAction(action);
-    }
 }
 
 std::vector<std::pair<QString, int>> SnpView::insertColumns() {
@@ -225,14 +213,25 @@ QAction* SnpView::commandAction(ViewCommand command) {
     case ViewCommand::NextBookmark: return commandActionById(NextBookmarkId);
     case ViewCommand::PreviousBookmark: return commandActionById(PreviousBookmarkId);
     case ViewCommand::ClearBookmarks: return commandActionById(ClearBookmarksId);
+    case ViewCommand::SaveAs: return commandActionById(SaveAsId);
+    case ViewCommand::ToggleNamedBookmark: return commandActionById(ToggleBookmarkDialogId);
+    case ViewCommand::BookmarkList: return commandActionById(BookmarkListId);
+    // No routine is entered for the snapshot filter yet, so its action stays disabled.
+    case ViewCommand::Filter: return commandActionById(FilterId);
     default: return nullptr;
     }
 }
 
-// The frame has no menu of its own for snapshots yet: the document menu of the edition
-// carries the session, find and bookmark commands this view serves.
 int SnpView::menuResource() const {
-    return zdt::EditionInfoFor(zdt::BrandEdition()).classicTemplateId;
+    return MenuResourceId;
+}
+
+bool SnpView::isActiveView() const {
+    for (QWidget* widget = parentWidget(); widget != nullptr; widget = widget->parentWidget()) {
+        if (auto* window = qobject_cast<QMdiSubWindow*>(widget))
+            return window->mdiArea() == nullptr || window->mdiArea()->currentSubWindow() == window;
+    }
+    return true;
 }
 
 void SnpView::activateView() {

@@ -17,6 +17,7 @@ class SnpView final : public AdornedListView, public CommandView {
     Q_OBJECT
 public:
     static constexpr int ContextMenuResource = 121;
+    static constexpr int MenuResourceId = 111;
     static constexpr int FindId = 32774;
     static constexpr int SessionInformationId = 40029;
     static constexpr int BookmarkListId = 32791;
@@ -31,6 +32,8 @@ public:
     QAction* commandAction(ViewCommand command) override;
     int menuResource() const override;
     void activateView() override;
+    // False while another document's window is the current one of the frame.
+    bool isActiveView() const;
 
     // The column that a context menu id toggles; the last two labels are crossed.
     static int ColumnOfMenuId(int id);
@@ -59,7 +62,6 @@ protected:
 private:
     ZDTAnalyzer::SnpDoc& doc() const;
     void enterCommands();
-    void addViewShortcuts();
     void toggleBookmarkAt(int row, const std::string& name, const std::string& description);
 
     SnpUiDocument& m_uiDocument;

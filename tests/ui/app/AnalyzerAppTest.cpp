@@ -8,8 +8,8 @@
 #include "app/CChildFrame.h"
 #include "app/CMainFrame.h"
 #include "app/HelpWindow.h"
-#include "app/PlaceholderDocument.h"
 #include "snp/SnpUiDocument.h"
+#include "xpvt/XpvtUiDocument.h"
 #include "ui/MenuLookup.h"
 
 #include <QAction>
@@ -33,6 +33,9 @@ using namespace zdtui;
 
 namespace {
 
+// A well-formed file without rows: every XML family opens it.
+const QByteArray MinimalXml = "<?xml version=\"1.0\"?>\n<Trace/>\n";
+
 // Everything the stand-in documents and the boxes did, in order.
 QStringList g_events;
 
@@ -51,10 +54,15 @@ const std::map<ViewCommand, const char*> CommandNames{
     {ViewCommand::CanFilter, "CanFilter"},
     {ViewCommand::StyleKLine, "StyleKLine"},
     {ViewCommand::StyleCan, "StyleCan"},
+    {ViewCommand::SaveAs, "SaveAs"},
+    {ViewCommand::ToggleNamedBookmark, "ToggleNamedBookmark"},
+    {ViewCommand::BookmarkList, "BookmarkList"},
+    {ViewCommand::Filter, "Filter"},
 };
 
 // A classic stand-in: a file whose first line is "bad" does not open; "menu 143" asks
-// for the partner's menu; the item count is the number of lines.
+// for the partner's menu, "menu 139" for the XML documents' menu with its column popup;
+// the item count is the number of lines.
 class FakeDocument final : public UiDocument {
 public:
     bool open(const QString& path, QWidget*) override {
@@ -67,7 +75,7 @@ public:
             return false;
         }
         m_path = path;
-        m_menu = lines.value(0) == "menu 143" ? 143 : 142;
+        m_menu = lines.value(0) == "menu 143" ? 143 : lines.value(0) == "menu 139" ? 139 : 142;
         m_items = int(lines.size());
         emit titleChanged("Fake " + QFileInfo(path).fileName());
         return true;
@@ -97,6 +105,11 @@ public:
     QAction* commandAction(ViewCommand command) override { return m_actions.at(command); }
     int menuResource() const override { return m_document.m_menu; }
     void activateView() override { m_status->SetStatusDocument(m_document.m_path, m_document.m_items); }
+    void fillColumnsMenu(QMenu* columns) override {
+        columns->clear();
+        for (const char* column : {"Time", "Value"})
+            columns->addAction(QString(column) + " of " + QFileInfo(m_document.m_path).fileName());
+    }
 
     FakeDocument& m_document;
     StatusSink* m_status;
@@ -196,8 +209,8 @@ private:
     static QString familyOf(UiDocument* document) {
         if (document == nullptr)
             return "none";
-        if (auto* placeholder = qobject_cast<PlaceholderDocument*>(document))
-            return placeholder->kindName();
+        if (dynamic_cast<XpvtUiDocument*>(document) != nullptr)
+            return "XPVT";
         if (dynamic_cast<SnpUiDocument*>(document) != nullptr)
             return "Snapshot";
         return "classic";
@@ -218,7 +231,7 @@ private slots:
     void routesByExtensionWithoutAskingTheWhitelist() {
         ObservingBoxes& boxes = *m_boxes;
         auto app = start();
-        QCOMPARE(familyOf(app->openDocumentFile(write("upper.XPVT"))), QString("XPVT"));
+        QCOMPARE(familyOf(app->openDocumentFile(write("upper.XPVT", MinimalXml))), QString("XPVT"));
         QCOMPARE(familyOf(app->openDocumentFile(write("mixed.Snp", "<SnapList/>"))), QString("Snapshot"));
         QCOMPARE(familyOf(app->openDocumentFile(write("one.trX"))), QString("classic"));
         QCOMPARE(familyOf(app->openDocumentFile(write("other.txt"))), QString("classic"));
@@ -229,19 +242,16 @@ private slots:
         QCOMPARE(app->mainFrame()->childFrames().size(), 7);
         QVERIFY(boxes.boxes.isEmpty());
 
-        // The stand-in families open any file and say that they cannot show it yet.
+        // A family whose window comes first is named after its file all the same.
         CChildFrame* xpvt = app->mainFrame()->childFrames().first();
         QCOMPARE(xpvt->windowTitle(), QFileInfo(m_files->filePath("upper.XPVT")).absoluteFilePath());
-        auto* line = qobject_cast<QLabel*>(xpvt->widget());
-        QVERIFY(line != nullptr);
-        QCOMPARE(line->text(), QString("XPVT files cannot be shown yet."));
     }
 
     void fileDialogOpensAcceptedCascadesThenWarns() {
         ObservingBoxes& boxes = *m_boxes;
         auto app = start();
         const QString trace = write("a.trc");
-        const QString xpvt = write("b.xpvt");
+        const QString xpvt = write("b.xpvt", MinimalXml);
         const QString unknown = write("c.doc");
 
         app->OpenSelectedFiles({trace, unknown, xpvt});
@@ -511,6 +521,45 @@ private slots:
         QCOMPARE(frame.menuResourceShown(), 128);
         for (QAction* action : frame.bookmarkToolBar()->actions())
             QVERIFY(!action->isEnabled());
+    }
+
+    void xmlMenuFollowsTheActiveViewsColumns() {
+        auto app = start();
+        CMainFrame& frame = *app->mainFrame();
+        app->openDocumentFile(write("first.xml", "menu 139\n"));
+        app->openDocumentFile(write("second.xml", "menu 139\n"));
+        QCOMPARE(frame.menuResourceShown(), 139);
+        const QStringList layout = MenuBarLayout(frame);
+        QCOMPARE(layout.size(), 5);
+        QVERIFY2(layout[0].contains("|Save &As...\tCtrl+Shift+S|"), qPrintable(layout[0]));
+        QCOMPARE(layout[1], QString("&Session: Session Info...|&Find\tCtrl+F|Find &Next\tCtrl+F3|"
+                                    "Find &Previous\tCtrl+Shift+F3|&Toggle Bookmark\tCtrl+F2|"
+                                    "Toggle Bookmark with Na&me...\tCtrl+Alt+F2|&Goto Next Bookmark\tF2|"
+                                    "Goto Previous &Bookmark\tShift+F2|Clear All Bookmarks\tCtrl+Shift+F2|"
+                                    "Bookmark &List...\tCtrl+B|Filte&r..."));
+        QCOMPARE(layout[2], QString("&View: &Columns|&Toolbar|B&ookmark Toolbar|&Status Bar"));
+
+        const auto columnItems = [&frame] {
+            QStringList texts;
+            QAction* popup = MenuItem(frame, "&View", "&Columns");
+            if (popup == nullptr || popup->menu() == nullptr)
+                return QStringList({"no popup"});
+            for (QAction* action : popup->menu()->actions())
+                texts << action->text();
+            return texts;
+        };
+        QCOMPARE(columnItems(), QStringList({"Time of second.xml", "Value of second.xml"}));
+        frame.mdiArea()->setActiveSubWindow(frame.childFrames().first());
+        QCOMPARE(columnItems(), QStringList({"Time of first.xml", "Value of first.xml"}));
+
+        // The new commands reach the view's actions.
+        MenuItem(frame, "&Session", "Bookmark &List...")->trigger();
+        MenuItem(frame, "&File", "Save &As...")->trigger();
+        QCOMPARE(g_events.mid(g_events.size() - 2), QStringList({"BookmarkList first.xml", "SaveAs first.xml"}));
+
+        // A classic view has no column popup.
+        app->openDocumentFile(write("classic.trc"));
+        QCOMPARE(columnItems(), QStringList({"no popup"}));
     }
 
     void windowsAreArranged() {

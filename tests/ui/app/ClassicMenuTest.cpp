@@ -81,13 +81,14 @@ private slots:
         QVERIFY(second->commandAction(ViewCommand::Find)->shortcut().isEmpty());
         QCOMPARE(frame.statusPaneText(1), Sample);
 
-        // An XPVT file beside them has no commands: the edition's menu is back.
+        // An XPVT file beside them brings its own menu, and the traces' keys stay quiet.
         const QTemporaryDir folder;
         QFile xpvt(QDir(folder.path()).filePath("trace.xpvt"));
         QVERIFY(xpvt.open(QIODevice::WriteOnly));
+        xpvt.write("<?xml version=\"1.0\"?>\n<Trace/>\n");
         xpvt.close();
         QVERIFY(app.openDocumentFile(xpvt.fileName()) != nullptr);
-        QCOMPARE(frame.menuResourceShown(), 128);
+        QCOMPARE(frame.menuResourceShown(), 139);
         QVERIFY(first->commandAction(ViewCommand::Find)->shortcut().isEmpty());
         QVERIFY(boxes.boxes.isEmpty());
     }

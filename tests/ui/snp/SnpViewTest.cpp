@@ -3,6 +3,7 @@
 // their boxes, and the export and print commands that refuse for now.
 #include "snp/SnpDocInUi.h"
 
+#include "ui/MenuLookup.h"
 #include "ui/RecordingBoxes.h"
 #include "SnapshotGenerator.h"
 #include "app/CAnalyzerApp.h"
@@ -21,6 +22,7 @@
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QMenu>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -163,6 +165,71 @@ private slots:
         QVERIFY(app.openDocumentFile(QStringLiteral(ZDT_SAMPLES_DIR "/snapshots_truncated.snp")) == nullptr);
         QCOMPARE(boxes.boxes.size(), 1);
         QCOMPARE(app.mainFrame()->childFrames().size(), 1);
+    }
+
+    void snapshotMenuRoutesToTheViewsActions() {
+        RecordingBoxes boxes;
+        CAnalyzerApp app;
+        QVERIFY(app.InitInstance({}));
+        QVERIFY(app.openDocumentFile(writeSnapshot("menu.snp", zdtgen::SnapshotOptions())) != nullptr);
+        CMainFrame& frame = *app.mainFrame();
+        auto* view = qobject_cast<SnpView*>(frame.childFrames().first()->widget());
+        QCOMPARE(frame.menuResourceShown(), 111);
+
+        const struct {
+            const char* popup;
+            const char* text;
+            int id;
+            QKeySequence keys;
+        } items[] = {
+            {"&File", "Save &As...", AdornedListView::SaveAsId, QKeySequence("Ctrl+Shift+S")},
+            {"&File", "&Print...", AdornedListView::PrintId, QKeySequence("Ctrl+P")},
+            {"&Session", "Session Info...", SnpView::SessionInformationId, QKeySequence()},
+            {"&Session", "&Find", SnpView::FindId, QKeySequence("Ctrl+F")},
+            {"&Session", "Toggle Bookmark with Na&me...", AdornedListView::ToggleBookmarkDialogId,
+             QKeySequence("Ctrl+Alt+F2")},
+            {"&Session", "Bookmark &List...", SnpView::BookmarkListId, QKeySequence("Ctrl+B")},
+            {"&Session", "Filte&r...", AdornedListView::FilterId, QKeySequence()},
+        };
+        for (const auto& item : items) {
+            QAction* action = MenuItem(frame, item.popup, item.text);
+            QVERIFY2(action != nullptr, item.text);
+            QVERIFY2(action == view->commandActionById(item.id), item.text);
+            QCOMPARE(action->shortcut(), item.keys);
+        }
+        // The snapshot filter has no routine yet; the bookmark list waits for a bookmark.
+        QVERIFY(!MenuItem(frame, "&Session", "Filte&r...")->isEnabled());
+        QVERIFY(!MenuItem(frame, "&Session", "Bookmark &List...")->isEnabled());
+        view->selectListRow(1);
+        MenuItem(frame, "&Session", "&Toggle Bookmark")->trigger();
+        QVERIFY(MenuItem(frame, "&Session", "Bookmark &List...")->isEnabled());
+        // Snapshots toggle their columns from the list's own menu only.
+        QVERIFY(MenuItem(frame, "&View", "&Columns") == nullptr);
+        QVERIFY(MenuItem(frame, "&View", "&Status Bar") != nullptr);
+        QVERIFY(boxes.boxes.isEmpty());
+    }
+
+    void drawFailureBoxWaitsForThePaintToEnd() {
+        zdtgen::SnapshotOptions options;
+        options.snapshots = 1;
+        RecordingBoxes boxes;
+        std::unique_ptr<SnpUiDocument> document = openDocument(writeSnapshot("short.snp", options));
+        QVERIFY(document != nullptr);
+        std::unique_ptr<SnpView> view(makeView(*document));
+        const int rows = view->itemCount();
+        QVERIFY(rows > 0);
+        // Rows the document does not have fail to read as they are drawn.
+        view->listModel()->setRowCountTo(rows + 3);
+        view->scrollToBottom();
+        QSignalSpy shown(view.get(), &AdornedListView::failureShown);
+        view->grab();
+        QVERIFY(boxes.boxes.isEmpty());
+        QTRY_COMPARE(boxes.boxes.size(), 1);
+        QCOMPARE(boxes.boxes[0].text, QString("Fatal error while performing view draw item operation."));
+        QCOMPARE(shown.size(), 1);
+        // The next paint tries again and fails again.
+        view->grab();
+        QTRY_COMPARE(boxes.boxes.size(), 2);
     }
 
     void columnWidthsGrowToDrawnTextAndTheMenuTogglesColumns() {

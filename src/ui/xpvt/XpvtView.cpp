@@ -1,0 +1,367 @@
+#include "xpvt/XpvtView.h"
+
+#include "app/Boxes.h"
+#include "xmldoc/AdornedListModel.h"
+#include "xmldoc/dialogs/BookmarkDialogs.h"
+#include "xpvt/XpvtColumnSettings.h"
+#include "xpvt/XpvtDocInUi.h"
+#include "xpvt/XpvtUiDocument.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QSettings>
+
+#include <iterator>
+#include <span>
+
+namespace zdtui {
+namespace {
+
+using ZDTAnalyzer::XpvtDoc;
+
+struct ColumnItem {
+    int id;
+    const char* contextLabel;  // the context menu's item
+    const char* mainLabel;     // the item of "&Columns" in the main menu
+    int column;
+};
+
+const ColumnItem Items701[] = {
+    {XpvtView::EventItemId, "Event", "EVENT", 2},
+    {XpvtView::LogicalLinkItemId, "LogicalLink", "LOGICALLINK", 3},
+    {XpvtView::CanIdItemId, "CANID[hex]", "CANID", 4},
+    {XpvtView::AbsTimeItemId, "Abs.Time[ms]", "ABSTIME", 5},
+    {XpvtView::DescriptionItemId, "Description", "DESCRIPTION", 6},
+    {XpvtView::ValueItemId, "Value", "VALUE", 7},
+    {XpvtView::RangeInfoItemId, "RangeInfo", "RANGEINFO", 8},
+};
+
+const ColumnItem Items702[] = {
+    {XpvtView::EventItemId, "Event", "EVENT", 2},
+    {XpvtView::LogicalLinkItemId, "LogicalLink", "LOGICAL LINK", 3},
+    {XpvtView::LocationItemId, "Location", "LOCATION", 4},
+    {XpvtView::IdItemId, "ID", "ID", 5},
+    {XpvtView::TimeItemId, "Time", "TIME", 6},
+    {XpvtView::DescriptionItemId, "Description", "DESCRIPTION", 7},
+    {XpvtView::ValueItemId, "Value", "VALUE", 8},
+    {XpvtView::UnitItemId, "Unit", "UNIT", 9},
+    {XpvtView::RangeInfoItemId, "RangeInfo", "RANGEINFO", 10},
+};
+
+// Every id either schema uses, so that the command table can be entered before the
+// schema is known.
+const int AllItemIds[] = {XpvtView::EventItemId,       XpvtView::LogicalLinkItemId, XpvtView::CanIdItemId,
+                          XpvtView::AbsTimeItemId,     XpvtView::LocationItemId,    XpvtView::IdItemId,
+                          XpvtView::TimeItemId,        XpvtView::DescriptionItemId, XpvtView::ValueItemId,
+                          XpvtView::UnitItemId,        XpvtView::RangeInfoItemId};
+
+std::span<const ColumnItem> ItemsOf(bool schema702) {
+    return schema702 ? std::span<const ColumnItem>(Items702) : std::span<const ColumnItem>(Items701);
+}
+
+const char* const Titles701[] = {"", "Line", "Event", "LogicalLink", "CANID[hex]", "Abs.Time[ms]",
+                                 "Description", "Value", "RangeInfo"};
+const int Widths701[] = {35, 40, 80, 160, 50, 50, 200, 200, 120};
+const char* const Titles702[] = {"", "Line", "Event", "LogicalLink", "Location", "ID", "Time",
+                                 "Description", "Value", "Unit", "RangeInfo"};
+
+// Names the view that filled a "&Columns" popup last.
+const char* const ColumnsOwnerProperty = "xpvtColumnsOwner";
+
+std::string StoredColumnSettings() {
+    QSettings settings(QStringLiteral("Norvika"), QStringLiteral("ZDT7"));
+    settings.beginGroup(QString::fromUtf8(XpvtView::SettingsSection));
+    const QString text = settings
+                             .value(QString::fromUtf8(XpvtView::ColumnSettingsKey),
+                                    QString::fromUtf8(ZDTAnalyzer::XpvtColumnSettings::DefaultText))
+                             .toString();
+    return text.toStdString();
+}
+
+}  // namespace
+
+XpvtView::XpvtView(XpvtUiDocument& document, QWidget* parent)
+    : AdornedListView(document.xpvtDoc(), parent), m_uiDocument(document) {}
+
+XpvtDoc& XpvtView::doc() const {
+    return m_uiDocument.xpvtDoc();
+}
+
+bool XpvtView::is702() const {
+    return doc().is702();
+}
+
+void XpvtView::initialUpdate() {
+    try {
+        layOut();
+        enterCommands();
+        listModel()->setRowCountTo(doc().container().rowCount());
+        m_initialised = true;
+        updateCommands();
+    } catch (...) {
+        showFailure(InitialUpdateFailedText);
+    }
+}
+
+// Columns, alignments, colours and the context menu of the schema known now. The widths
+// drawn so far belong to the old columns and go with them.
+void XpvtView::layOut() {
+    m_laidOutFor702 = is702();
+    for (int column = 0; column < ColumnWidthEntries; ++column)
+        setColumnWidthEntry(column, 0);
+    AdornedListView::initialUpdate();
+}
+
+void XpvtView::onDocumentChanged() {
+    if (m_initialised && is702() != m_laidOutFor702) {
+        try {
+            layOut();
+        } catch (...) {
+            showFailure(InitialUpdateFailedText);
+        }
+        if (m_columnsMenu != nullptr && m_columnsMenu->property(ColumnsOwnerProperty).value<QObject*>() == this)
+            fillColumnsMenu(m_columnsMenu);
+    }
+    OnUpdate();
+}
+
+void XpvtView::enterCommands() {
+    // Entered first, so that it runs last: a 7.02 list keeps find disabled, a 7.01 list
+    // leaves it to the document; both wait for the end of the read.
+    addUpdateCommand(FindId, [this](QAction& action) {
+        if (is702() || m_uiDocument.isOpening())
+            action.setEnabled(false);
+    });
+    const auto whenBookmarks = [this](QAction& action) { action.setEnabled(!doc().bookmarks().empty()); };
+    const auto whenFindResults = [this](QAction& action) { action.setEnabled(!doc().findResults().empty()); };
+    addCommand(PreviousBookmarkId, [this] { goTo(PreviousBookmarkId); });
+    addUpdateCommand(PreviousBookmarkId, whenBookmarks);
+    addCommand(NextBookmarkId, [this] { goTo(NextBookmarkId); });
+    addUpdateCommand(NextBookmarkId, whenBookmarks);
+    addCommand(ToggleBookmarkId, [this] { toggleBookmark(); });
+    addCommand(ToggleBookmarkDialogId, [this] { toggleBookmarkWithDialog(); });
+    addCommand(ClearBookmarksId, [this] { doc().clearBookmarks(); });
+    addUpdateCommand(ClearBookmarksId, whenBookmarks);
+    addCommand(FindNextId, [this] { goTo(FindNextId); });
+    addUpdateCommand(FindNextId, whenFindResults);
+    addCommand(FindPreviousId, [this] { goTo(FindPreviousId); });
+    addUpdateCommand(FindPreviousId, whenFindResults);
+    enterColumnCommands();
+    enterDocumentCommands();
+}
+
+void XpvtView::enterColumnCommands() {
+    for (int id : AllItemIds) {
+        addCommand(id, [this, id] { executeContextMenuCommand(id); });
+        addUpdateCommand(id, [this, id](QAction& action) {
+            const int column = ColumnOfMenuId(id, is702());
+            action.setCheckable(true);
+            action.setChecked(column >= 0 && listColumnWidth(column) != 0);
+            action.setEnabled(column >= 0);
+        });
+    }
+}
+
+// The document's own commands; export and the commands that read the file again wait
+// for the end of the read.
+void XpvtView::enterDocumentCommands() {
+    const auto whenRead = [this](QAction& action) {
+        if (m_uiDocument.isOpening())
+            action.setEnabled(false);
+    };
+    addCommand(FindId, [this] { m_uiDocument.onFind(this); });
+    addCommand(SessionInformationId, [this] { m_uiDocument.onSessionInformation(this); });
+    addCommand(DocumentFilterId, [this] { m_uiDocument.onFilter(this); });
+    addUpdateCommand(DocumentFilterId, whenRead);
+    addCommand(BookmarkListId, [this] { m_uiDocument.onBookmarkList(this); });
+    addUpdateCommand(BookmarkListId, [this](QAction& action) { action.setEnabled(doc().canShowBookmarkList()); });
+    addUpdateCommand(SaveAsId, whenRead);
+    addUpdateCommand(PrintId, whenRead);
+    addUpdateCommand(PrintPreviewId, whenRead);
+}
+
+std::vector<std::pair<QString, int>> XpvtView::insertColumns() {
+    std::vector<std::pair<QString, int>> columns;
+    if (!is702()) {
+        for (std::size_t i = 0; i < std::size(Titles701); ++i)
+            columns.emplace_back(QString::fromUtf8(Titles701[i]), Widths701[i]);
+        return columns;
+    }
+    // Eleven columns take the first eleven widths; the twelfth is read and never used.
+    const std::vector<int> widths = ZDTAnalyzer::XpvtColumnSettings::widths(StoredColumnSettings());
+    for (std::size_t i = 0; i < std::size(Titles702); ++i)
+        columns.emplace_back(QString::fromUtf8(Titles702[i]), widths[i]);
+    return columns;
+}
+
+// The colour digit of a row: 0 response parameters, 1 primitives, 2 the rest, 3 errors.
+void XpvtView::getTextColors(std::vector<QColor>& colors) {
+    colors = {QColor(0, 0, 0xFF), QColor(0, 0x80, 0), QColor(0, 0, 0), QColor(0xFF, 0, 0)};
+}
+
+void XpvtView::getListFont(QFont& font) {
+    font = QFont(QStringLiteral("MS Sans Serif"));
+    font.setStyleHint(QFont::SansSerif);
+    font.setPixelSize(12);
+    font.setWeight(QFont::Medium);
+}
+
+void XpvtView::getColumnAlignments(std::vector<TextAlignment>& alignments) {
+    alignments.assign(is702() ? 11 : 9, TextAlignment::Left);
+    alignments[1] = TextAlignment::Right;
+    if (is702())
+        alignments[5] = TextAlignment::Right;
+}
+
+void XpvtView::loadImages(std::array<QPixmap, 2>& images) {
+    images = DefaultMarkImages();
+}
+
+void XpvtView::loadContextMenu(QMenu& menu) {
+    // Laid out again once the schema is known: the old popup goes first.
+    menu.clear();
+    QMenu* popup = menu.addMenu(is702() ? QStringLiteral("XPVT_NEW") : QStringLiteral("Events"));
+    popup->setProperty("menuResource", is702() ? ContextMenu702 : ContextMenu701);
+    for (const ColumnItem& item : ItemsOf(is702())) {
+        QAction* action = popup->addAction(QString::fromUtf8(item.contextLabel));
+        action->setData(item.id);
+        action->setCheckable(true);
+    }
+}
+
+// Export and printing of process value traces come later: the proxies keep no target
+// and refuse.
+void XpvtView::bindConversion(ConversionProxy& proxy) {
+    proxy.setTarget(nullptr);
+}
+
+void XpvtView::bindPrint(PrintPrintPreviewProxy& proxy) {
+    proxy.setTarget(nullptr);
+}
+
+void XpvtView::updateContextMenu(QMenu& menu) {
+    for (QAction* action : menu.actions()) {
+        const int column = ColumnOfMenuId(action->data().toInt(), is702());
+        if (column >= 0)
+            action->setChecked(listColumnWidth(column) != 0);
+    }
+}
+
+int XpvtView::ColumnOfMenuId(int id, bool schema702) {
+    for (const ColumnItem& item : ItemsOf(schema702)) {
+        if (item.id == id)
+            return item.column;
+    }
+    return -1;
+}
+
+// Only a 7.02 list keeps the width it hides; a 7.01 column comes back with whatever
+// the drawing stored for it.
+void XpvtView::executeContextMenuCommand(int id) {
+    const bool schema702 = is702();
+    const int column = ColumnOfMenuId(id, schema702);
+    if (column < 0)
+        return;
+    const int width = listColumnWidth(column);
+    if (width == 0) {
+        applyColumnWidthEntry(column);
+        return;
+    }
+    if (schema702 && columnWidthEntry(column) == 0)
+        setColumnWidthEntry(column, width);
+    setListColumnWidth(column, 0);
+}
+
+void XpvtView::fillColumnsMenu(QMenu* columns) {
+    if (columns == nullptr)
+        return;
+    columns->clear();
+    columns->setProperty(ColumnsOwnerProperty, QVariant::fromValue<QObject*>(this));
+    m_columnsMenu = columns;
+    for (const ColumnItem& item : ItemsOf(is702())) {
+        QAction* action = commandActionById(item.id);
+        action->setText(QString::fromUtf8(item.mainLabel));
+        columns->addAction(action);
+    }
+    // The check marks follow the widths as they are when the menu opens.
+    connect(columns, &QMenu::aboutToShow, this, &AdornedListView::updateCommands, Qt::UniqueConnection);
+    columns->setEnabled(!columns->actions().isEmpty());
+    updateCommands();
+}
+
+// A paint while the search marks rows on its thread shows blank rows; the search's end
+// paints them again.
+QString XpvtView::getDisplayText(int row, int field) {
+    if (m_uiDocument.isSearching())
+        return QString();
+    return QString::fromStdString(doc().container().columnText(row, field));
+}
+
+QString XpvtView::documentPathName() const {
+    return m_uiDocument.pathName();
+}
+
+void XpvtView::goTo(int id) {
+    BoxMessageSink boxes(this);
+    const std::optional<int> row =
+        doc().goTo(static_cast<XpvtDoc::GoToCommand>(id), selectionMark(), itemCount(), &boxes);
+    if (row)
+        selectListRow(*row);
+}
+
+bool XpvtView::noRowSelected() {
+    if (selectionMark() != -1)
+        return false;
+    Boxes::instance().show(this, QString(), QString::fromUtf8(XpvtDoc::NoRowSelectedText), QMessageBox::Critical);
+    return true;
+}
+
+void XpvtView::toggleBookmark() {
+    if (noRowSelected())
+        return;
+    const int row = selectionMark();
+    if (doc().isBookmarked(row))
+        doc().removeBookmark(row);
+    else
+        doc().addBookmark(row, AutobookmarkText, AutobookmarkText);
+}
+
+void XpvtView::toggleBookmarkWithDialog() {
+    if (noRowSelected())
+        return;
+    const int row = selectionMark();
+    if (doc().isBookmarked(row)) {
+        doc().removeBookmark(row);
+        return;
+    }
+    std::string name;
+    std::string description;
+    if (RunBookmarkInfo(this, name, description))
+        doc().addBookmark(row, name, description);
+}
+
+QAction* XpvtView::commandAction(ViewCommand command) {
+    switch (command) {
+    case ViewCommand::Print: return commandActionById(PrintId);
+    case ViewCommand::PrintPreview: return commandActionById(PrintPreviewId);
+    case ViewCommand::SaveAs: return commandActionById(SaveAsId);
+    case ViewCommand::SessionInfo: return commandActionById(SessionInformationId);
+    case ViewCommand::Find: return commandActionById(FindId);
+    case ViewCommand::FindNext: return commandActionById(FindNextId);
+    case ViewCommand::FindPrevious: return commandActionById(FindPreviousId);
+    case ViewCommand::ToggleBookmark: return commandActionById(ToggleBookmarkId);
+    case ViewCommand::ToggleNamedBookmark: return commandActionById(ToggleBookmarkDialogId);
+    case ViewCommand::NextBookmark: return commandActionById(NextBookmarkId);
+    case ViewCommand::PreviousBookmark: return commandActionById(PreviousBookmarkId);
+    case ViewCommand::ClearBookmarks: return commandActionById(ClearBookmarksId);
+    case ViewCommand::BookmarkList: return commandActionById(BookmarkListId);
+    case ViewCommand::Filter: return commandActionById(DocumentFilterId);
+    default: return nullptr;
+    }
+}
+
+void XpvtView::activateView() {
+    m_uiDocument.refreshStatus();
+}
+
+}  // namespace zdtui
