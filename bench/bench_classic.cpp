@@ -13,23 +13,15 @@
 #include "BenchSupport.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <fstream>
 #include <iostream>
 #include <map>
 #include <memory>
-#include <spawn.h>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
-
-extern char** environ;
 
 namespace {
 
@@ -71,60 +63,14 @@ bool ReadSummary(const std::string& path, Summary& summary) {
     return true;
 }
 
-struct ChildRun {
-    double seconds = 0;
-    int exitCode = -1;
-    std::string output;
-};
-
-// Runs a program with standard output to /dev/null, or captured when `capture` is set.
-ChildRun RunProgram(const std::vector<std::string>& argv, bool capture) {
-    ChildRun run;
-    int pipeFds[2] = {-1, -1};
-    if (capture && ::pipe(pipeFds) != 0)
-        return run;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    if (capture) {
-        posix_spawn_file_actions_adddup2(&actions, pipeFds[1], STDOUT_FILENO);
-        posix_spawn_file_actions_addclose(&actions, pipeFds[0]);
-        posix_spawn_file_actions_addclose(&actions, pipeFds[1]);
-    } else {
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    }
-    std::vector<char*> args;
-    for (const auto& arg : argv)
-        args.push_back(const_cast<char*>(arg.c_str()));
-    args.push_back(nullptr);
-    const auto start = Clock::now();
-    pid_t pid = 0;
-    const int spawned = posix_spawnp(&pid, args[0], &actions, nullptr, args.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (capture) {
-        ::close(pipeFds[1]);
-        char buffer[4096];
-        for (ssize_t n; spawned == 0 && (n = ::read(pipeFds[0], buffer, sizeof buffer)) > 0;)
-            run.output.append(buffer, static_cast<std::size_t>(n));
-        ::close(pipeFds[0]);
-    }
-    if (spawned != 0)
-        return run;
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    run.seconds = SecondsSince(start);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return run;
-}
-
 // ---- the child that only opens ------------------------------------------------------------
 
 int OpenOnly(const std::string& path) {
     CTraceFile trace;
     if (!trace.OpenTrace(path))
         return 1;
-    std::cout << "hwm_kb=" << StatusKilobytes("VmHWM:") << "\n"
-              << "rss_kb=" << StatusKilobytes("VmRSS:") << "\n"
-              << "index_bytes=" << trace.IndexBytes() << "\n"
+    PrintMemoryFigures();
+    std::cout << "index_bytes=" << trace.IndexBytes() << "\n"
               << "records=" << trace.TotalCount() << "\n";
     return 0;
 }
@@ -187,16 +133,11 @@ void MeasureMemory(const Options& o, const Summary& summary, Verdicts& verdicts)
         return;
     }
     const double budget = kMemoryBaseBytes + kMemoryBytesPerRecord * static_cast<double>(summary.records);
-    const double peak = static_cast<double>(values.at("hwm_kb")) * 1024.0;
-    const double resident = static_cast<double>(values.at("rss_kb")) * 1024.0;
-    const std::string limit = " MB (target <= " + Verdicts::Format(budget / kMegabyte, 1) + " MB)";
     std::cout << "open-only process: IndexBytes "
               << Verdicts::Format(static_cast<double>(values.at("index_bytes")) / kMegabyte, 1) << " MB, "
               << values.at("records") << " records\n";
-    verdicts.Check("peak memory during the index pass (VmHWM)", peak <= budget,
-                   Verdicts::Format(peak / kMegabyte, 1) + limit);
-    verdicts.Check("memory after the index pass (VmRSS)", resident <= budget,
-                   Verdicts::Format(resident / kMegabyte, 1) + limit);
+    CheckMemory(verdicts, "peak memory during the index pass (VmHWM)", "memory after the index pass (VmRSS)", values,
+                budget, "");
 }
 
 double MeasureRows(const Options& o, double bytes, Verdicts& verdicts) {
@@ -282,20 +223,18 @@ int Usage() {
 }
 
 bool ParseOptions(int argc, char** argv, Options& o) {
-    for (int i = 1; i < argc; ++i) {
-        const std::string arg = argv[i];
-        if (i + 1 >= argc)
-            return false;
-        const std::string value = argv[++i];
-        if (arg == "--trace") o.trace = value;
-        else if (arg == "--summary") o.summary = value;
-        else if (arg == "--cli") o.cli = value;
-        else if (arg == "--big") o.bigTrace = value;
-        else if (arg == "--big-summary") o.bigSummary = value;
-        else if (arg == "--runs") o.runs = std::max(1, std::atoi(value.c_str()));
+    const bool known = ParseValueOptions(argc, argv, [&o](const std::string& name, const std::string& value) {
+        if (name == "--trace") o.trace = value;
+        else if (name == "--summary") o.summary = value;
+        else if (name == "--cli") o.cli = value;
+        else if (name == "--big") o.bigTrace = value;
+        else if (name == "--big-summary") o.bigSummary = value;
+        else if (name == "--runs") o.runs = RunsOption(value);
         else return false;
-    }
-    return !o.trace.empty() && !o.summary.empty() && !o.cli.empty() && o.bigTrace.empty() == o.bigSummary.empty();
+        return true;
+    });
+    return known && !o.trace.empty() && !o.summary.empty() && !o.cli.empty() &&
+           o.bigTrace.empty() == o.bigSummary.empty();
 }
 
 } // namespace

@@ -17,30 +17,18 @@
 #include "snp/SnpFindCriteria.h"
 #include "xmldoc/SaxParser.h"
 
-#include "BenchSupport.h"
-
-#include <expat.h>
+#include "XmlDocBench.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <random>
-#include <spawn.h>
-#include <sstream>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
-
-extern char** environ;
 
 namespace {
 
@@ -57,49 +45,11 @@ constexpr double kWorstRandomRowTargetMs = 50.0;
 // The bare parse reads exactly as the document's parser does.
 constexpr std::size_t kBlockSize = ZDTAnalyzer::Snp::UserInterfaceParser::BlockSize;
 static_assert(kBlockSize == 10240);
+constexpr const char* kSwapPrefix = "zdt-snp-swap";
 // The list view's columns: flags, event, description, name, value, unit.
 constexpr int kColumns = 6;
 // A cell buffer as large as a list view item's text.
 constexpr int kCellCapacity = 260;
-
-// Prints every box the document raises, so a failed open or search says why.
-class PrintingSink : public zdt::MessageSink {
-public:
-    void showMessage(const zdt::UserMessage& message) override {
-        std::cerr << "message: " << message.text << "\n";
-        ++m_count;
-    }
-    bool askYesNo(const zdt::UserMessage& question) override {
-        std::cerr << "question: " << question.text << "\n";
-        return false;
-    }
-    int count() const { return m_count; }
-
-private:
-    int m_count = 0;
-};
-
-// A private directory for swap files, removed with everything in it.
-class ScratchDirectory {
-public:
-    explicit ScratchDirectory(const std::string& parent) {
-        std::string pattern = parent + "/zdt-snp-swap.XXXXXX";
-        if (::mkdtemp(pattern.data()) != nullptr)
-            m_path = pattern;
-    }
-    ~ScratchDirectory() {
-        std::error_code ignored;
-        if (!m_path.empty())
-            std::filesystem::remove_all(m_path, ignored);
-    }
-    ScratchDirectory(const ScratchDirectory&) = delete;
-    ScratchDirectory& operator=(const ScratchDirectory&) = delete;
-    bool ok() const { return !m_path.empty(); }
-    const std::string& path() const { return m_path; }
-
-private:
-    std::string m_path;
-};
 
 std::vector<std::string> SplitTabs(const std::string& line) {
     std::vector<std::string> fields;
@@ -164,86 +114,6 @@ std::uint64_t CountRows(const std::string& path) {
     return lines > 0 ? lines - 1 : 0;
 }
 
-// ---- the bare parse -----------------------------------------------------------------------
-
-void XMLCALL IgnoreStart(void*, const XML_Char*, const XML_Char**) {}
-void XMLCALL IgnoreEnd(void*, const XML_Char*) {}
-void XMLCALL IgnoreText(void*, const XML_Char*, int) {}
-
-// Expat alone: the same reads and blocks as the document's parser, handlers that do nothing.
-bool BareExpatParse(const std::string& path) {
-    std::FILE* file = std::fopen(path.c_str(), "r");
-    if (file == nullptr)
-        return false;
-    XML_Parser parser = XML_ParserCreate(nullptr);
-    XML_SetStartElementHandler(parser, &IgnoreStart);
-    XML_SetEndElementHandler(parser, &IgnoreEnd);
-    XML_SetCharacterDataHandler(parser, &IgnoreText);
-    std::vector<char> buffer(kBlockSize);
-    bool ok = parser != nullptr;
-    while (ok) {
-        const std::size_t count = std::fread(buffer.data(), 1, kBlockSize, file);
-        if (count == 0)
-            break;
-        const int isFinal = count < kBlockSize ? 1 : 0;
-        ok = XML_Parse(parser, buffer.data(), static_cast<int>(count), isFinal) != XML_STATUS_ERROR;
-    }
-    XML_ParserFree(parser);
-    std::fclose(file);
-    return ok;
-}
-
-// ---- the child that only opens ------------------------------------------------------------
-
-int OpenOnly(const std::string& path, const std::string& swapParent) {
-    ScratchDirectory swap(swapParent);
-    if (!swap.ok())
-        return 1;
-    PrintingSink messages;
-    SnpDoc document;
-    if (!document.OnOpenDocument(path, swap.path(), &messages))
-        return 1;
-    std::cout << "hwm_kb=" << StatusKilobytes("VmHWM:") << "\n"
-              << "rss_kb=" << StatusKilobytes("VmRSS:") << "\n"
-              << "rows=" << document.container().rowCount() << "\n";
-    return 0;
-}
-
-struct ChildRun {
-    int exitCode = -1;
-    std::string output;
-};
-
-ChildRun RunCaptured(const std::vector<std::string>& argv) {
-    ChildRun run;
-    int pipeFds[2] = {-1, -1};
-    if (::pipe(pipeFds) != 0)
-        return run;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, pipeFds[1], STDOUT_FILENO);
-    posix_spawn_file_actions_addclose(&actions, pipeFds[0]);
-    posix_spawn_file_actions_addclose(&actions, pipeFds[1]);
-    std::vector<char*> args;
-    for (const auto& arg : argv)
-        args.push_back(const_cast<char*>(arg.c_str()));
-    args.push_back(nullptr);
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(pipeFds[1]);
-    char buffer[4096];
-    for (ssize_t n; spawned == 0 && (n = ::read(pipeFds[0], buffer, sizeof buffer)) > 0;)
-        run.output.append(buffer, static_cast<std::size_t>(n));
-    ::close(pipeFds[0]);
-    if (spawned != 0)
-        return run;
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return run;
-}
-
 // ---- the benchmarks -----------------------------------------------------------------------
 
 struct Options {
@@ -255,87 +125,35 @@ struct Options {
     std::uint64_t seed = 1;
 };
 
-// The bare Expat reference. One of its runs goes right before each timed run of the
-// document, so a machine that is busier in one phase slows both sides of a ratio alike.
-class ExpatBaseline {
-public:
-    explicit ExpatBaseline(const std::string& path) : m_path(path) {}
-
-    void Run() {
-        const auto start = Clock::now();
-        const bool parsed = BareExpatParse(m_path);
-        const double seconds = SecondsSince(start);
-        m_failed = m_failed || !parsed;
-        m_best = m_runs == 0 ? seconds : std::min(m_best, seconds);
-        ++m_runs;
-    }
-
-    // Bytes a second of the best run; 0 when a run failed or none ran.
-    double Report(const char* phase, double bytes, Verdicts& verdicts) const {
-        if (m_failed || m_runs == 0) {
-            verdicts.Check(std::string("bare Expat parse ") + phase, false, "the file is not well-formed");
-            return 0;
-        }
-        std::cout << "bare Expat " << phase << ": " << Speed(bytes, m_best) << " (best of " << m_runs << ")\n";
-        return bytes / m_best;
-    }
-
-private:
-    std::string m_path;
-    double m_best = 0;
-    int m_runs = 0;
-    bool m_failed = false;
-};
-
-// Opens `runs` times, each into a fresh swap directory; the last document stays open in
-// `kept` for the search and the row reads.
+// Opens `runs` times, each into the same swap directory after the last document went; the
+// last document stays open in `kept` for the search and the row reads.
 double MeasureOpen(const Options& o, const Reference& reference, double bytes, const ScratchDirectory& swap,
                    std::unique_ptr<SnpDoc>& kept, ExpatBaseline& baseline, Verdicts& verdicts) {
-    PrintingSink messages;
     double best = 0;
-    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
-        baseline.Run();
-        kept.reset(); // the previous swap file goes before the next one is written
-        kept = std::make_unique<SnpDoc>();
-        const auto start = Clock::now();
-        const bool opened = kept->OnOpenDocument(o.snapshot, swap.path(), &messages);
-        seconds = SecondsSince(start);
-        return opened;
-    });
+    const bool ok = TimedOpens(o.runs, o.snapshot, swap, kept, baseline, best);
     verdicts.Check("SnpDoc opens the snapshot", ok, ok ? "OnOpenDocument true" : "OnOpenDocument false");
-    if (!ok) {
-        kept.reset();
+    if (!ok)
         return 0;
-    }
     auto& rows = kept->container();
     std::cout << "SnpDoc open:   " << Speed(bytes, best) << " (best of " << o.runs << "), " << rows.rowCount()
               << " rows, swap file " << Verdicts::Format(static_cast<double>(rows.endOffset()) / kMegabyte, 1)
               << " MB\n";
-    std::error_code error;
-    const auto onFile = std::filesystem::file_size(rows.swapFileName(), error);
     verdicts.Check("row count", static_cast<std::uint64_t>(rows.rowCount()) == reference.rows,
                    std::to_string(rows.rowCount()) + " opened, " + std::to_string(reference.rows) + " written");
-    verdicts.Check("every row on the swap file after the open", !error && onFile == rows.endOffset(),
-                   std::to_string(error ? 0 : onFile) + " bytes on file, rows end at " +
-                       std::to_string(rows.endOffset()));
+    CheckSwapFileComplete("every row on the swap file after the open", rows, verdicts);
     return bytes / best;
 }
 
 void MeasureMemory(const Options& o, const Reference& reference, Verdicts& verdicts) {
-    const ChildRun run = RunCaptured({"/proc/self/exe", "--open-only", o.snapshot, o.swapParent});
+    const ChildRun run = RunProgram({"/proc/self/exe", "--open-only", o.snapshot, o.swapParent}, true);
     const auto values = ParseKeyValues(run.output);
     if (run.exitCode != 0 || !values.count("hwm_kb")) {
         verdicts.Check("memory", false, "the open-only child failed (exit " + std::to_string(run.exitCode) + ")");
         return;
     }
     const double budget = kMemoryBaseBytes + kMemoryBytesPerRow * static_cast<double>(reference.rows);
-    const double peak = static_cast<double>(values.at("hwm_kb")) * 1024.0;
-    const double resident = static_cast<double>(values.at("rss_kb")) * 1024.0;
-    const std::string limit = " MB (target <= " + Verdicts::Format(budget / kMegabyte, 1) + " MB)";
     std::cout << "open-only process: " << values.at("rows") << " rows\n";
-    verdicts.Check("peak memory while opening (VmHWM)", peak <= budget, Verdicts::Format(peak / kMegabyte, 1) + limit);
-    verdicts.Check("memory after the open (VmRSS)", resident <= budget,
-                   Verdicts::Format(resident / kMegabyte, 1) + limit);
+    CheckMemory(verdicts, "peak memory while opening (VmHWM)", "memory after the open (VmRSS)", values, budget, "");
 }
 
 double MeasureFind(const Options& o, const Reference& reference, double bytes, SnpDoc& document,
@@ -343,13 +161,7 @@ double MeasureFind(const Options& o, const Reference& reference, double bytes, S
     PrintingSink messages;
     const SnpFindCriteria criteria = SearchCriteria();
     double best = 0;
-    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
-        baseline.Run();
-        const auto start = Clock::now();
-        const bool found = document.find(criteria, &messages);
-        seconds = SecondsSince(start);
-        return found;
-    });
+    const bool ok = TimedSearches(o.runs, baseline, best, [&] { return document.find(criteria, &messages); });
     verdicts.Check("search runs to its end", ok, ok ? "find true" : "find false");
     if (!ok)
         return 0;
@@ -455,23 +267,20 @@ int Usage() {
 }
 
 bool ParseOptions(int argc, char** argv, Options& o) {
-    for (int i = 1; i < argc; ++i) {
-        const std::string arg = argv[i];
-        if (i + 1 >= argc)
-            return false;
-        const std::string value = argv[++i];
-        if (arg == "--snapshot") o.snapshot = value;
-        else if (arg == "--rows") o.rows = value;
-        else if (arg == "--swap-dir") o.swapParent = value;
-        else if (arg == "--runs") o.runs = std::max(1, std::atoi(value.c_str()));
-        else if (arg == "--samples") o.samples = std::max(1, std::atoi(value.c_str()));
-        else if (arg == "--seed") o.seed = std::strtoull(value.c_str(), nullptr, 10);
+    const bool known = ParseValueOptions(argc, argv, [&o](const std::string& name, const std::string& value) {
+        if (name == "--snapshot") o.snapshot = value;
+        else if (name == "--rows") o.rows = value;
+        else if (name == "--swap-dir") o.swapParent = value;
+        else if (name == "--runs") o.runs = RunsOption(value);
+        else if (name == "--samples") o.samples = std::max(1, std::atoi(value.c_str()));
+        else if (name == "--seed") o.seed = std::strtoull(value.c_str(), nullptr, 10);
         else return false;
-    }
-    if (o.swapParent.empty()) {
-        std::error_code error;
-        o.swapParent = std::filesystem::temp_directory_path(error).string();
-    }
+        return true;
+    });
+    if (!known)
+        return false;
+    if (o.swapParent.empty())
+        o.swapParent = DefaultTempDirectory();
     return !o.snapshot.empty() && !o.rows.empty() && !o.swapParent.empty();
 }
 
@@ -484,7 +293,7 @@ int RunBenchmarks(const Options& o) {
         std::cerr << "bench_snapshot: cannot read the rows file " << o.rows << "\n";
         return 2;
     }
-    ScratchDirectory swap(o.swapParent);
+    ScratchDirectory swap(o.swapParent, kSwapPrefix);
     if (!swap.ok()) {
         std::cerr << "bench_snapshot: cannot make a swap directory in " << o.swapParent << "\n";
         return 2;
@@ -494,7 +303,7 @@ int RunBenchmarks(const Options& o) {
               << reference.rows << " rows, " << reference.searchHits << " search hits, swap files in " << swap.path()
               << "\n";
     Verdicts verdicts;
-    ExpatBaseline openBaseline(o.snapshot);
+    ExpatBaseline openBaseline(o.snapshot, kBlockSize);
     std::unique_ptr<SnpDoc> document;
     const double openSpeed = MeasureOpen(o, reference, bytes, swap, document, openBaseline, verdicts);
     const double expatSpeed = openBaseline.Report("(open phase)", bytes, verdicts);
@@ -504,7 +313,7 @@ int RunBenchmarks(const Options& o) {
     if (document) {
         // Rows first: a search writes its marks into the rows, and the reference has none.
         MeasureRowReads(o, randomRows, reference, *document, verdicts);
-        ExpatBaseline findBaseline(o.snapshot);
+        ExpatBaseline findBaseline(o.snapshot, kBlockSize);
         const double findSpeed = MeasureFind(o, reference, bytes, *document, findBaseline, verdicts);
         const double findExpatSpeed = findBaseline.Report("(search phase)", bytes, verdicts);
         if (findExpatSpeed > 0 && findSpeed > 0)
@@ -519,7 +328,7 @@ int RunBenchmarks(const Options& o) {
 
 int main(int argc, char** argv) {
     if (argc == 4 && std::strcmp(argv[1], "--open-only") == 0)
-        return OpenOnly(argv[2], argv[3]);
+        return OpenOnly<SnpDoc>(argv[2], argv[3], kSwapPrefix);
     Options o;
     if (!ParseOptions(argc, argv, o))
         return Usage();

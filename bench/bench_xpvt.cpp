@@ -13,24 +13,14 @@
 #include "xmldoc/SaxParser.h"
 #include "xpvt/XpvtDoc.h"
 
-#include "BenchSupport.h"
-
-#include <expat.h>
+#include "XmlDocBench.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <iostream>
 #include <memory>
-#include <spawn.h>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <vector>
-
-extern char** environ;
 
 namespace {
 
@@ -45,99 +35,7 @@ constexpr double kMemoryBytesPerRow = 6.0;
 // The bare parse reads exactly as the document's parser does.
 constexpr std::size_t kBlockSize = ZDTAnalyzer::Xpvt::UserInterfaceParser::BlockSize;
 static_assert(kBlockSize == 10240);
-
-// Prints every box the document raises, so a failed open or search says why.
-class PrintingSink : public zdt::MessageSink {
-public:
-    void showMessage(const zdt::UserMessage& message) override { std::cerr << "message: " << message.text << "\n"; }
-    bool askYesNo(const zdt::UserMessage& question) override {
-        std::cerr << "question: " << question.text << "\n";
-        return false;
-    }
-};
-
-// A private directory for swap files, removed with everything in it.
-class ScratchDirectory {
-public:
-    explicit ScratchDirectory(const std::string& parent) {
-        std::string pattern = parent + "/zdt-xpvt-swap.XXXXXX";
-        if (::mkdtemp(pattern.data()) != nullptr)
-            m_path = pattern;
-    }
-    ~ScratchDirectory() {
-        std::error_code ignored;
-        if (!m_path.empty())
-            std::filesystem::remove_all(m_path, ignored);
-    }
-    ScratchDirectory(const ScratchDirectory&) = delete;
-    ScratchDirectory& operator=(const ScratchDirectory&) = delete;
-    bool ok() const { return !m_path.empty(); }
-    const std::string& path() const { return m_path; }
-
-private:
-    std::string m_path;
-};
-
-// ---- the bare parse -----------------------------------------------------------------------
-
-void XMLCALL IgnoreStart(void*, const XML_Char*, const XML_Char**) {}
-void XMLCALL IgnoreEnd(void*, const XML_Char*) {}
-void XMLCALL IgnoreText(void*, const XML_Char*, int) {}
-
-// Expat alone: the same reads and blocks as the document's parser, handlers that do nothing.
-bool BareExpatParse(const std::string& path) {
-    std::FILE* file = std::fopen(path.c_str(), "r");
-    if (file == nullptr)
-        return false;
-    XML_Parser parser = XML_ParserCreate(nullptr);
-    XML_SetStartElementHandler(parser, &IgnoreStart);
-    XML_SetEndElementHandler(parser, &IgnoreEnd);
-    XML_SetCharacterDataHandler(parser, &IgnoreText);
-    std::vector<char> buffer(kBlockSize);
-    bool ok = parser != nullptr;
-    while (ok) {
-        const std::size_t count = std::fread(buffer.data(), 1, kBlockSize, file);
-        if (count == 0)
-            break;
-        const int isFinal = count < kBlockSize ? 1 : 0;
-        ok = XML_Parse(parser, buffer.data(), static_cast<int>(count), isFinal) != XML_STATUS_ERROR;
-    }
-    XML_ParserFree(parser);
-    std::fclose(file);
-    return ok;
-}
-
-// The bare Expat reference. One of its runs goes right before each timed run of the
-// document, so a machine that is busier in one phase slows both sides of a ratio alike.
-class ExpatBaseline {
-public:
-    explicit ExpatBaseline(const std::string& path) : m_path(path) {}
-
-    void Run() {
-        const auto start = Clock::now();
-        const bool parsed = BareExpatParse(m_path);
-        const double seconds = SecondsSince(start);
-        m_failed = m_failed || !parsed;
-        m_best = m_runs == 0 ? seconds : std::min(m_best, seconds);
-        ++m_runs;
-    }
-
-    // Bytes a second of the best run; 0 when a run failed or none ran.
-    double Report(const std::string& phase, double bytes, Verdicts& verdicts) const {
-        if (m_failed || m_runs == 0) {
-            verdicts.Check("bare Expat parse " + phase, false, "the file is not well-formed");
-            return 0;
-        }
-        std::cout << "bare Expat " << phase << ": " << Speed(bytes, m_best) << " (best of " << m_runs << ")\n";
-        return bytes / m_best;
-    }
-
-private:
-    std::string m_path;
-    double m_best = 0;
-    int m_runs = 0;
-    bool m_failed = false;
-};
+constexpr const char* kSwapPrefix = "zdt-xpvt-swap";
 
 // ---- search criteria ----------------------------------------------------------------------
 
@@ -174,57 +72,6 @@ void SetCriteria702(ZDTAnalyzer::XpvtFindCriteria702& c) {
     c.parameterSection.name = "Param_99";
 }
 
-// ---- the child that only opens ------------------------------------------------------------
-
-int OpenOnly(const std::string& path, const std::string& swapParent) {
-    ScratchDirectory swap(swapParent);
-    if (!swap.ok())
-        return 1;
-    PrintingSink messages;
-    XpvtDoc document;
-    if (!document.OnOpenDocument(path, swap.path(), &messages))
-        return 1;
-    std::cout << "hwm_kb=" << StatusKilobytes("VmHWM:") << "\n"
-              << "rss_kb=" << StatusKilobytes("VmRSS:") << "\n"
-              << "rows=" << document.container().rowCount() << "\n";
-    return 0;
-}
-
-struct ChildRun {
-    int exitCode = -1;
-    std::string output;
-};
-
-ChildRun RunCaptured(const std::vector<std::string>& argv) {
-    ChildRun run;
-    int pipeFds[2] = {-1, -1};
-    if (::pipe(pipeFds) != 0)
-        return run;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, pipeFds[1], STDOUT_FILENO);
-    posix_spawn_file_actions_addclose(&actions, pipeFds[0]);
-    posix_spawn_file_actions_addclose(&actions, pipeFds[1]);
-    std::vector<char*> args;
-    for (const auto& arg : argv)
-        args.push_back(const_cast<char*>(arg.c_str()));
-    args.push_back(nullptr);
-    pid_t pid = 0;
-    const int spawned = posix_spawn(&pid, args[0], &actions, nullptr, args.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(pipeFds[1]);
-    char buffer[4096];
-    for (ssize_t n; spawned == 0 && (n = ::read(pipeFds[0], buffer, sizeof buffer)) > 0;)
-        run.output.append(buffer, static_cast<std::size_t>(n));
-    ::close(pipeFds[0]);
-    if (spawned != 0)
-        return run;
-    int status = 0;
-    ::waitpid(pid, &status, 0);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return run;
-}
-
 // ---- the benchmarks -----------------------------------------------------------------------
 
 struct Options {
@@ -244,55 +91,34 @@ struct TraceCase {
 // last document stays open in `kept` for the search.
 double MeasureOpen(const Options& o, const TraceCase& trace, double bytes, const ScratchDirectory& swap,
                    std::unique_ptr<XpvtDoc>& kept, ExpatBaseline& baseline, Verdicts& verdicts) {
-    PrintingSink messages;
     double best = 0;
-    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
-        baseline.Run();
-        kept.reset(); // the previous swap file goes before the next one is written
-        kept = std::make_unique<XpvtDoc>();
-        const auto start = Clock::now();
-        const bool opened = kept->OnOpenDocument(trace.path, swap.path(), &messages);
-        seconds = SecondsSince(start);
-        return opened;
-    });
+    const bool ok = TimedOpens(o.runs, trace.path, swap, kept, baseline, best);
     verdicts.Check(trace.label + " XpvtDoc opens the trace", ok, ok ? "OnOpenDocument true" : "OnOpenDocument false");
-    if (!ok) {
-        kept.reset();
+    if (!ok)
         return 0;
-    }
     auto& rows = kept->container();
     std::cout << trace.label << " XpvtDoc open: " << Speed(bytes, best) << " (best of " << o.runs << "), "
               << rows.rowCount() << " rows, swap file "
               << Verdicts::Format(static_cast<double>(rows.endOffset()) / kMegabyte, 1) << " MB\n";
-    std::error_code error;
-    const auto onFile = std::filesystem::file_size(rows.swapFileName(), error);
     verdicts.Check(trace.label + " schema read from the header", kept->is702() == trace.is702,
                    "Schema \"" + kept->description().Schema + "\"");
     verdicts.Check(trace.label + " rows built", rows.rowCount() > 0, std::to_string(rows.rowCount()) + " rows");
-    verdicts.Check(trace.label + " every row on the swap file after the open", !error && onFile == rows.endOffset(),
-                   std::to_string(error ? 0 : onFile) + " bytes on file, rows end at " +
-                       std::to_string(rows.endOffset()));
+    CheckSwapFileComplete(trace.label + " every row on the swap file after the open", rows, verdicts);
     return bytes / best;
 }
 
 void MeasureMemory(const Options& o, const TraceCase& trace, Verdicts& verdicts) {
-    const ChildRun run = RunCaptured({"/proc/self/exe", "--open-only", trace.path, o.swapParent});
+    const ChildRun run = RunProgram({"/proc/self/exe", "--open-only", trace.path, o.swapParent}, true);
     const auto values = ParseKeyValues(run.output);
     if (run.exitCode != 0 || !values.count("hwm_kb") || !values.count("rows")) {
         verdicts.Check(trace.label + " memory", false,
                        "the open-only child failed (exit " + std::to_string(run.exitCode) + ")");
         return;
     }
-    const double rows = static_cast<double>(values.at("rows"));
-    const double budget = kMemoryBaseBytes + kMemoryBytesPerRow * rows;
-    const double peak = static_cast<double>(values.at("hwm_kb")) * 1024.0;
-    const double resident = static_cast<double>(values.at("rss_kb")) * 1024.0;
-    const std::string limit = " MB (target <= " + Verdicts::Format(budget / kMegabyte, 1) + " MB for " +
-                              std::to_string(values.at("rows")) + " rows)";
-    verdicts.Check(trace.label + " peak memory while opening (VmHWM)", peak <= budget,
-                   Verdicts::Format(peak / kMegabyte, 1) + limit);
-    verdicts.Check(trace.label + " memory after the open (VmRSS)", resident <= budget,
-                   Verdicts::Format(resident / kMegabyte, 1) + limit);
+    const double budget = kMemoryBaseBytes + kMemoryBytesPerRow * static_cast<double>(values.at("rows"));
+    CheckMemory(verdicts, trace.label + " peak memory while opening (VmHWM)",
+                trace.label + " memory after the open (VmRSS)", values, budget,
+                " for " + std::to_string(values.at("rows")) + " rows");
 }
 
 double MeasureFind(const Options& o, const TraceCase& trace, double bytes, XpvtDoc& document,
@@ -303,13 +129,7 @@ double MeasureFind(const Options& o, const TraceCase& trace, double bytes, XpvtD
     else
         SetCriteria701(document.findCriteria701());
     double best = 0;
-    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
-        baseline.Run();
-        const auto start = Clock::now();
-        const bool found = document.find(&messages);
-        seconds = SecondsSince(start);
-        return found;
-    });
+    const bool ok = TimedSearches(o.runs, baseline, best, [&] { return document.find(&messages); });
     verdicts.Check(trace.label + " search runs to its end", ok, ok ? "find true" : "find false");
     if (!ok)
         return 0;
@@ -326,7 +146,7 @@ double MeasureFind(const Options& o, const TraceCase& trace, double bytes, XpvtD
 }
 
 void RunCase(const Options& o, const TraceCase& trace, Verdicts& verdicts) {
-    ScratchDirectory swap(o.swapParent);
+    ScratchDirectory swap(o.swapParent, kSwapPrefix);
     if (!swap.ok()) {
         verdicts.Check(trace.label + " swap directory", false, "cannot make one in " + o.swapParent);
         return;
@@ -338,14 +158,14 @@ void RunCase(const Options& o, const TraceCase& trace, Verdicts& verdicts) {
         verdicts.Check(trace.label + " trace readable", false, "empty or missing");
         return;
     }
-    ExpatBaseline openBaseline(trace.path);
+    ExpatBaseline openBaseline(trace.path, kBlockSize);
     std::unique_ptr<XpvtDoc> document;
     const double openSpeed = MeasureOpen(o, trace, bytes, swap, document, openBaseline, verdicts);
     const double expatSpeed = openBaseline.Report("(" + trace.label + " open phase)", bytes, verdicts);
     if (expatSpeed > 0 && openSpeed > 0)
         verdicts.Ratio(trace.label + " XpvtDoc open / bare Expat speed", openSpeed / expatSpeed, kOpenToExpatTarget);
     if (document) {
-        ExpatBaseline findBaseline(trace.path);
+        ExpatBaseline findBaseline(trace.path, kBlockSize);
         const double findSpeed = MeasureFind(o, trace, bytes, *document, findBaseline, verdicts);
         const double findExpatSpeed = findBaseline.Report("(" + trace.label + " search phase)", bytes, verdicts);
         if (findExpatSpeed > 0 && findSpeed > 0)
@@ -363,21 +183,18 @@ int Usage() {
 }
 
 bool ParseOptions(int argc, char** argv, Options& o) {
-    for (int i = 1; i < argc; ++i) {
-        const std::string arg = argv[i];
-        if (i + 1 >= argc)
-            return false;
-        const std::string value = argv[++i];
-        if (arg == "--trace702") o.trace702 = value;
-        else if (arg == "--trace701") o.trace701 = value;
-        else if (arg == "--swap-dir") o.swapParent = value;
-        else if (arg == "--runs") o.runs = std::max(1, std::atoi(value.c_str()));
+    const bool known = ParseValueOptions(argc, argv, [&o](const std::string& name, const std::string& value) {
+        if (name == "--trace702") o.trace702 = value;
+        else if (name == "--trace701") o.trace701 = value;
+        else if (name == "--swap-dir") o.swapParent = value;
+        else if (name == "--runs") o.runs = RunsOption(value);
         else return false;
-    }
-    if (o.swapParent.empty()) {
-        std::error_code error;
-        o.swapParent = std::filesystem::temp_directory_path(error).string();
-    }
+        return true;
+    });
+    if (!known)
+        return false;
+    if (o.swapParent.empty())
+        o.swapParent = DefaultTempDirectory();
     return (!o.trace702.empty() || !o.trace701.empty()) && !o.swapParent.empty();
 }
 
@@ -385,7 +202,7 @@ bool ParseOptions(int argc, char** argv, Options& o) {
 
 int main(int argc, char** argv) {
     if (argc == 4 && std::strcmp(argv[1], "--open-only") == 0)
-        return OpenOnly(argv[2], argv[3]);
+        return OpenOnly<XpvtDoc>(argv[2], argv[3], kSwapPrefix);
     Options o;
     if (!ParseOptions(argc, argv, o))
         return Usage();

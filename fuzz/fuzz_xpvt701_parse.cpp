@@ -2,24 +2,16 @@
 // rows into a swap file, then a search with criteria of every 7.01 kind marks them.
 // Neither may crash or leak, marks must name rows of the list, and no swap file may stay
 // behind once the document is gone.
+#include "FuzzSupport.h"
 #include "xpvt/XpvtDoc.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
-std::string MakeDirectory(const char* name) {
-    std::string pattern = std::string("/tmp/") + name + "_XXXXXX";
-    const char* made = ::mkdtemp(pattern.data());
-    if (made == nullptr)
-        std::abort();
-    return made;
-}
+using namespace fuzzsupport;
 
 void SetCriteria(ZDTAnalyzer::XpvtFindCriteria701& c) {
     c.searchPrimitives = c.searchRequests = c.searchResponses = c.searchBothSides = true;
@@ -39,11 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const std::string inputDirectory = MakeDirectory("fuzz_xpvt701_in");
     static const std::string swapDirectory = MakeDirectory("fuzz_xpvt701_swap");
     const std::string path = inputDirectory + "/input.xpvt";
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    if (file == nullptr)
+    if (!WriteInput(path, "", data, size))
         return 0;
-    std::fwrite(data, 1, size, file);
-    std::fclose(file);
     {
         ZDTAnalyzer::XpvtDoc doc;
         if (doc.OnOpenDocument(path, swapDirectory, nullptr)) {
@@ -51,14 +40,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             SetCriteria(doc.findCriteria701());
             doc.findCriteria702().parameterSection.findPressed = true;
             doc.findCriteria702().primitiveSection.findPressed = true;
-            if (!doc.find(nullptr))
-                std::abort(); // the same file that opened must be searchable
-            for (const int row : doc.findResults())
-                if (row < 0 || row >= doc.container().rowCount())
-                    std::abort();
+            RequireMarksInsideList(doc, doc.find(nullptr));
         }
     }
-    if (!std::filesystem::is_empty(swapDirectory))
-        std::abort(); // a swap file outlived its document
+    RequireEmpty(swapDirectory);
     return 0;
 }

@@ -2,30 +2,21 @@
 // "7,02" goes first, so the 7.02 tables read whatever follows. Then a search with every
 // page of the 7.02 sheet marks rows. Neither may crash or leak, marks must name rows of the
 // list, and no swap file may stay behind once the document is gone.
+#include "FuzzSupport.h"
 #include "xpvt/XpvtDoc.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <filesystem>
 #include <string>
-#include <unistd.h>
 
 namespace {
+
+using namespace fuzzsupport;
 
 // The seeds are sample traces with everything up to the header's end cut off.
 constexpr const char* kHeader =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ProcessValueTrace>\n"
     "  <Description DateTime=\"2023-11-21T14:05:09\"><Schema>7,02</Schema></Description>\n";
-
-std::string MakeDirectory(const char* name) {
-    std::string pattern = std::string("/tmp/") + name + "_XXXXXX";
-    const char* made = ::mkdtemp(pattern.data());
-    if (made == nullptr)
-        std::abort();
-    return made;
-}
 
 // Short texts that the generated traces hold often, so that marks happen.
 void SetCriteria(ZDTAnalyzer::XpvtFindCriteria702& c) {
@@ -51,26 +42,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const std::string inputDirectory = MakeDirectory("fuzz_xpvt702_in");
     static const std::string swapDirectory = MakeDirectory("fuzz_xpvt702_swap");
     const std::string path = inputDirectory + "/input.xpvt";
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    if (file == nullptr)
+    if (!WriteInput(path, kHeader, data, size))
         return 0;
-    std::fwrite(kHeader, 1, std::strlen(kHeader), file);
-    std::fwrite(data, 1, size, file);
-    std::fclose(file);
     {
         ZDTAnalyzer::XpvtDoc doc;
         if (doc.OnOpenDocument(path, swapDirectory, nullptr)) {
             if (!doc.is702())
                 std::abort(); // the header names 7.02 and stands before anything else
             SetCriteria(doc.findCriteria702());
-            if (!doc.find(nullptr))
-                std::abort(); // the same file that opened must be searchable
-            for (const int row : doc.findResults())
-                if (row < 0 || row >= doc.container().rowCount())
-                    std::abort();
+            RequireMarksInsideList(doc, doc.find(nullptr));
         }
     }
-    if (!std::filesystem::is_empty(swapDirectory))
-        std::abort(); // a swap file outlived its document
+    RequireEmpty(swapDirectory);
     return 0;
 }

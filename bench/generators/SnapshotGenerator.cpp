@@ -1,6 +1,7 @@
 #include "SnapshotGenerator.h"
 
 #include "GeneratorRandom.h"
+#include "XmlSink.h"
 
 #include <algorithm>
 #include <array>
@@ -14,44 +15,8 @@
 namespace zdtgen {
 namespace {
 
-constexpr std::size_t kFlushBytes = 1u << 20;
 // Huge attributes return this often: one per snapshot would be nearly all of a big file.
 constexpr std::uint64_t kHugeEvery = 64;
-
-// Buffers a stream and counts what went into it.
-class Sink {
-public:
-    explicit Sink(std::ostream* out) : m_out(out) { m_buffer.reserve(kFlushBytes + 4096); }
-    void Put(std::string_view text) {
-        m_buffer.append(text);
-        m_bytes += text.size();
-        if (m_buffer.size() >= kFlushBytes)
-            Flush();
-    }
-    void Put(char c) {
-        m_buffer.push_back(c);
-        ++m_bytes;
-        if (m_buffer.size() >= kFlushBytes)
-            Flush();
-    }
-    void Flush() {
-        if (m_out != nullptr)
-            m_out->write(m_buffer.data(), static_cast<std::streamsize>(m_buffer.size()));
-        m_buffer.clear();
-    }
-    std::uint64_t Bytes() const { return m_bytes; }
-
-private:
-    std::ostream* m_out;
-    std::string m_buffer;
-    std::uint64_t m_bytes = 0;
-};
-
-struct Attr {
-    std::string_view name;
-    std::string_view value;
-};
-using Attrs = std::initializer_list<Attr>;
 
 // The printable rule of the viewer: 0x20 to 0x7E and every byte from 0x80 up.
 std::string Printable(std::string_view text) {
@@ -270,7 +235,7 @@ private:
         ++m_rows;
     }
 
-    Sink m_sink;
+    XmlSink m_sink;
     std::vector<State> m_stack;
     std::array<std::string, 12> m_slots;
     std::string m_dateTime;
@@ -281,7 +246,7 @@ private:
 // Writes XML from decoded values and hands the same events to the row model, if any.
 class XmlWriter {
 public:
-    XmlWriter(Sink& sink, RowModel* model, bool indent) : m_sink(sink), m_model(model), m_indent(indent) {}
+    XmlWriter(XmlSink& sink, RowModel* model, bool indent) : m_sink(sink), m_model(model), m_indent(indent) {}
 
     void Open(std::string_view name, Attrs attrs = {}) {
         CloseStartTag();
@@ -291,7 +256,7 @@ public:
             m_sink.Put(' ');
             m_sink.Put(attr.name);
             m_sink.Put("=\"");
-            EscapeAttribute(attr.value);
+            m_sink.PutAttributeValue(attr.value);
             m_sink.Put('"');
         }
         m_open.emplace_back(name);
@@ -319,30 +284,11 @@ public:
         Close();
     }
 
-    // Escapes only what XML needs; a carriage return must go as a reference, as a parser
-    // turns a literal one into a line feed.
     void Text(std::string_view text) {
         if (text.empty())
             return;
         CloseStartTag();
-        for (const char c : text) {
-            switch (c) {
-            case '&':
-                m_sink.Put("&amp;");
-                break;
-            case '<':
-                m_sink.Put("&lt;");
-                break;
-            case '>':
-                m_sink.Put("&gt;");
-                break;
-            case '\r':
-                m_sink.Put("&#13;");
-                break;
-            default:
-                m_sink.Put(c);
-            }
-        }
+        m_sink.PutText(text);
         Model(text);
     }
     // The caller keeps "]]>" and carriage returns out.
@@ -426,40 +372,12 @@ private:
             m_startTagOpen = false;
         }
     }
-    // White space other than the blank goes as references: a parser normalises literal
-    // tabs and line breaks in attribute values to blanks.
-    void EscapeAttribute(std::string_view value) {
-        for (const char c : value) {
-            switch (c) {
-            case '&':
-                m_sink.Put("&amp;");
-                break;
-            case '<':
-                m_sink.Put("&lt;");
-                break;
-            case '"':
-                m_sink.Put("&quot;");
-                break;
-            case '\t':
-                m_sink.Put("&#9;");
-                break;
-            case '\n':
-                m_sink.Put("&#10;");
-                break;
-            case '\r':
-                m_sink.Put("&#13;");
-                break;
-            default:
-                m_sink.Put(c);
-            }
-        }
-    }
     void Model(std::string_view text) {
         if (m_model != nullptr)
             m_model->Text(text);
     }
 
-    Sink& m_sink;
+    XmlSink& m_sink;
     RowModel* m_model;
     bool m_indent;
     std::vector<std::string> m_open;
@@ -519,7 +437,7 @@ struct SnapshotGenerator::State {
         return text;
     }
 
-    void WriteFile(Sink& sink) {
+    void WriteFile(XmlSink& sink) {
         XmlWriter& x = *xml;
         x.Raw("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
         if (Hostile().foreignRoot) {
@@ -920,7 +838,7 @@ SnapshotSummary SnapshotGenerator::Write(std::ostream& out, std::ostream* rows) 
     State& s = *m_state;
     SnapshotSummary summary;
     summary.rowsKnown = !s.Hostile().truncatedEnd;
-    Sink sink(&out);
+    XmlSink sink(&out);
     std::unique_ptr<RowModel> model;
     if (rows != nullptr && summary.rowsKnown)
         model = std::make_unique<RowModel>(*rows);

@@ -1,6 +1,7 @@
 #include "XpvtTraceGenerator.h"
 
 #include "GeneratorRandom.h"
+#include "XmlSink.h"
 
 #include <array>
 #include <initializer_list>
@@ -12,81 +13,16 @@
 namespace zdtgen {
 namespace {
 
-constexpr std::size_t kFlushBytes = 1u << 20;
 // Message and PDU lengths that sit on the edges of an 8-byte row and a 16-byte line.
 constexpr std::array<std::uint32_t, 10> kEdgeLengths = {0, 1, 7, 8, 9, 10, 15, 16, 17, 33};
 // Separators between hexadecimal bytes: readers must cope with more than blanks.
 constexpr std::array<std::string_view, 7> kSeparators = {" ", " ", "", "-", ":", ", ", "\t"};
 
-// Buffers a stream and counts what went into it.
-class Sink {
-public:
-    explicit Sink(std::ostream* out) : m_out(out) { m_buffer.reserve(kFlushBytes + 4096); }
-    void Put(std::string_view text) {
-        m_buffer.append(text);
-        m_bytes += text.size();
-        if (m_buffer.size() >= kFlushBytes)
-            Flush();
-    }
-    void Flush() {
-        if (m_out != nullptr)
-            m_out->write(m_buffer.data(), static_cast<std::streamsize>(m_buffer.size()));
-        m_buffer.clear();
-    }
-    std::uint64_t Bytes() const { return m_bytes; }
-
-private:
-    std::ostream* m_out;
-    std::string m_buffer;
-    std::uint64_t m_bytes = 0;
-};
-
-struct Attr {
-    std::string_view name;
-    std::string_view value;
-};
-using Attrs = std::initializer_list<Attr>;
-
-std::string EscapeText(std::string_view text) {
-    std::string out;
-    out.reserve(text.size() + 8);
-    for (const char c : text) {
-        switch (c) {
-        case '&': out += "&amp;"; break;
-        case '<': out += "&lt;"; break;
-        case '>': out += "&gt;"; break;
-        // A literal carriage return would reach a reader as a line feed.
-        case '\r': out += "&#13;"; break;
-        default: out += c;
-        }
-    }
-    return out;
-}
-
-// White space other than the blank goes as references: a parser normalises literal tabs
-// and line breaks in attribute values to blanks.
-std::string EscapeAttribute(std::string_view value) {
-    std::string out;
-    out.reserve(value.size() + 8);
-    for (const char c : value) {
-        switch (c) {
-        case '&': out += "&amp;"; break;
-        case '<': out += "&lt;"; break;
-        case '"': out += "&quot;"; break;
-        case '\t': out += "&#9;"; break;
-        case '\n': out += "&#10;"; break;
-        case '\r': out += "&#13;"; break;
-        default: out += c;
-        }
-    }
-    return out;
-}
-
 // Writes elements with optional indentation. Leaves take markup that is already escaped,
 // so callers can split a text by entities, CDATA and comments.
 class XmlOut {
 public:
-    XmlOut(Sink& sink, bool indent) : m_sink(sink), m_indent(indent) {}
+    XmlOut(XmlSink& sink, bool indent) : m_sink(sink), m_indent(indent) {}
 
     void Open(std::string_view name, Attrs attrs = {}) {
         StartTag(name, attrs, false);
@@ -125,7 +61,7 @@ private:
             m_sink.Put(" ");
             m_sink.Put(a.name);
             m_sink.Put("=\"");
-            m_sink.Put(EscapeAttribute(a.value));
+            m_sink.PutAttributeValue(a.value);
             m_sink.Put("\"");
         }
         m_sink.Put(empty ? "/>" : ">");
@@ -138,7 +74,7 @@ private:
         m_sink.Put(m_line);
     }
 
-    Sink& m_sink;
+    XmlSink& m_sink;
     bool m_indent;
     std::vector<std::string> m_open;
     std::vector<bool> m_hadChild;
@@ -205,7 +141,7 @@ struct XpvtTraceGenerator::State {
         }
         if (Hostile().nonAscii && random.OneIn(5))
             plain += random.OneIn(2) ? " Pr\xC3\xBC" "fung \xE8\xA8\xBA\xE6\x96\xAD" : " \xF0\x9D\x84\x9E\xC2\x85";
-        std::string markup = EscapeText(plain);
+        std::string markup = EscapedText(plain);
         if (Hostile().splitText && random.OneIn(4))
             markup = Split(markup);
         return markup;
@@ -276,7 +212,7 @@ struct XpvtTraceGenerator::State {
 
     // ---- the file ----
 
-    void WriteFile(Sink& sink) {
+    void WriteFile(XmlSink& sink) {
         XmlOut& x = *xml;
         x.Raw("<?xml version=\"1.0\" encoding=\"UTF-8\"?>");
         if (Hostile().foreignRoot) {
@@ -323,7 +259,7 @@ struct XpvtTraceGenerator::State {
             x.Close();
         }
         if (!options.omitSchema)
-            x.Leaf("Schema", EscapeText(XpvtSchemaText(options)));
+            x.Leaf("Schema", EscapedText(XpvtSchemaText(options)));
         Leaf("ProductVersion", "7.4.2 build 118");
         if (options.descriptionDateChildren) {
             x.Leaf("Date", "21.11.2023");
@@ -764,7 +700,7 @@ XpvtTraceGenerator::XpvtTraceGenerator(const XpvtTraceOptions& options) : m_stat
 XpvtTraceGenerator::~XpvtTraceGenerator() = default;
 
 XpvtTraceSummary XpvtTraceGenerator::Write(std::ostream& out) {
-    Sink sink(&out);
+    XmlSink sink(&out);
     XmlOut xml(sink, m_state->options.indent);
     m_state->xml = &xml;
     m_state->WriteFile(sink);

@@ -1,48 +1,18 @@
 #include "SnpCommands.h"
 
 #include "StderrMessages.h"
-#include "app/WellKnownPaths.h"
+#include "XmlDocCommands.h"
 #include "snp/SnpDoc.h"
 
-#include <csignal>
 #include <cstdio>
-#include <functional>
 #include <map>
 #include <string>
 
 namespace {
 
+using namespace xmldoccli;
 using ZDTAnalyzer::SnpDoc;
 using ZDTAnalyzer::SnpFindCriteria;
-
-constexpr int InterruptedStatus = 130;
-
-volatile std::sig_atomic_t g_interrupted = 0;
-
-extern "C" void onInterrupt(int) { g_interrupted = 1; }
-
-// Ctrl-C and termination only raise a flag: the parse then stops at its next block and
-// the document and the per-run directory are removed on the normal way out.
-void installInterruptHandlers() {
-    struct sigaction action {};
-    action.sa_handler = &onInterrupt;
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-    sigaction(SIGHUP, &action, nullptr);
-    // A closed pipe shows as a failed write instead of killing the process.
-    std::signal(SIGPIPE, SIG_IGN);
-}
-
-class InterruptProgress final : public zdt::ProgressSink {
-public:
-    bool onProgress(unsigned long long, unsigned long long) override { return g_interrupted == 0; }
-};
-
-void requireFiles(const CliArguments& args, bool criteriaFollow) {
-    if (args.files.empty() || (!criteriaFollow && args.files.size() != 1))
-        throw UsageError{args.command + " takes one file"};
-}
 
 SnpFindCriteria parseCriteria(const std::vector<std::string>& pairs) {
     SnpFindCriteria c;
@@ -80,37 +50,6 @@ SnpFindCriteria parseCriteria(const std::vector<std::string>& pairs) {
     return c;
 }
 
-bool writeOut(const std::string& text) {
-    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-}
-
-int printRows(SnpDoc& doc) {
-    auto& rows = doc.container();
-    std::string text;
-    for (int row = 0; row < rows.rowCount(); ++row) {
-        if (g_interrupted)
-            return InterruptedStatus;
-        const std::string stored = rows.readRow(row);
-        text += std::to_string(row + 1);
-        // Columns as stored: each closed by 0x01; what follows the last one (the
-        // closing space) is not a column.
-        std::size_t start = 0;
-        for (std::size_t end; (end = stored.find('\x01', start)) != std::string::npos; start = end + 1) {
-            text += '\t';
-            text.append(stored, start, end - start);
-        }
-        text += '\n';
-        if (text.size() >= (1u << 20)) {
-            if (!writeOut(text))
-                return 1;
-            text.clear();
-        }
-    }
-    if (!writeOut(text) || std::fflush(stdout) != 0)
-        return 1;
-    return 0;
-}
-
 int printInfo(const SnpDoc& doc) {
     using Dialog = SnpDoc::SessionInformationDialog;
     const Dialog info = doc.sessionInformation();
@@ -125,11 +64,8 @@ int printInfo(const SnpDoc& doc) {
 int printFind(SnpDoc& doc, const SnpFindCriteria& criteria, zdt::MessageSink& messages,
               zdt::ProgressSink& progress) {
     if (!doc.find(criteria, &messages, &progress))
-        return g_interrupted ? InterruptedStatus : 1;
-    std::string text;
-    for (const int row : doc.findResults())
-        text += std::to_string(row + 1) + "\n";
-    return writeOut(text) && std::fflush(stdout) == 0 ? 0 : 1;
+        return failureStatus();
+    return printMarks(doc);
 }
 
 int runOpened(const CliArguments& args, const std::string& swapDirectory) {
@@ -137,7 +73,7 @@ int runOpened(const CliArguments& args, const std::string& swapDirectory) {
     InterruptProgress progress;
     SnpDoc doc;
     if (!doc.OnOpenDocument(args.files[0], swapDirectory, &messages, &progress))
-        return g_interrupted ? InterruptedStatus : 1;
+        return failureStatus();
     if (args.command == "rows")
         return printRows(doc);
     if (args.command == "info")
@@ -148,17 +84,8 @@ int runOpened(const CliArguments& args, const std::string& swapDirectory) {
 } // namespace
 
 int RunSnpCommand(const CliArguments& args) {
-    if (args.command != "rows" && args.command != "info" && args.command != "find")
-        throw UsageError{args.command + " does not read snapshot files"};
-    requireFiles(args, args.command == "find");
+    requireCommand(args, "snapshot files");
     if (args.command == "find")
         parseCriteria({args.files.begin() + 1, args.files.end()}); // bad criteria: usage before any work
-    installInterruptHandlers();
-    zdt::SessionTempDirectory session;
-    if (const auto failure = session.Create()) {
-        std::fprintf(stderr, "%s\n", failure->text.c_str());
-        return 1;
-    }
-    // The document, and with it its swap file, is gone before the directory goes.
-    return runOpened(args, session.Path());
+    return runInSessionDirectory([&](const std::string& swapDirectory) { return runOpened(args, swapDirectory); });
 }

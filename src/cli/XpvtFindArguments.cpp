@@ -55,19 +55,23 @@ void addFlags(FieldMap& map, const std::string& section, Section& s,
     map.emplace(section + ".findPressed", &s.findPressed);
 }
 
+// Every section but the result's has a time window.
+template <typename S> void addTimes(FieldMap& map, const std::string& name, S& s) {
+    addTexts<S>(map, name, s, {{"minTime", &S::minTimeOn, &S::minTime}, {"maxTime", &S::maxTimeOn, &S::maxTime}});
+}
+
 void addLogicalLink(FieldMap& map, XpvtFindCriteria702::LogicalLinkSection& s) {
     using S = XpvtFindCriteria702::LogicalLinkSection;
     const std::string name = "LogicalLinkSection";
-    addTexts<S>(map, name, s,
-                {{"minTime", &S::minTimeOn, &S::minTime},
-                 {"maxTime", &S::maxTimeOn, &S::maxTime},
-                 {"link", &S::linkOn, &S::link},
-                 {"location", &S::locationOn, &S::location}});
+    addTimes(map, name, s);
+    addTexts<S>(map, name, s, {{"link", &S::linkOn, &S::link}, {"location", &S::locationOn, &S::location}});
     addFlags<S>(map, name, s, {{"open", &S::open}, {"close", &S::close}, {"openAndClose", &S::openAndClose}});
 }
 
-// The request and response sections share their parameter part.
-template <typename S> void addParameterPart(FieldMap& map, const std::string& name, S& s) {
+// The request and response sections share their name, message, times and parameter part.
+template <typename S> void addMessageSection(FieldMap& map, const std::string& name, S& s) {
+    addTexts<S>(map, name, s, {{"name", &S::nameOn, &S::name}, {"message", &S::messageOn, &S::message}});
+    addTimes(map, name, s);
     addTexts<S>(map, name, s,
                 {{"paramName", &S::paramNameOn, &S::paramName},
                  {"dataType", &S::dataTypeOn, &S::dataType},
@@ -76,28 +80,11 @@ template <typename S> void addParameterPart(FieldMap& map, const std::string& na
     addFlags<S>(map, name, s, {{"parameterEnabled", &S::parameterEnabled}});
 }
 
-void addRequest(FieldMap& map, XpvtFindCriteria702::RequestSection& s) {
-    using S = XpvtFindCriteria702::RequestSection;
-    const std::string name = "RequestSection";
-    addTexts<S>(map, name, s,
-                {{"name", &S::nameOn, &S::name},
-                 {"message", &S::messageOn, &S::message},
-                 {"minTime", &S::minTimeOn, &S::minTime},
-                 {"maxTime", &S::maxTimeOn, &S::maxTime}});
-    addParameterPart(map, name, s);
-}
-
 void addResponse(FieldMap& map, XpvtFindCriteria702::ResponseSection& s) {
     using S = XpvtFindCriteria702::ResponseSection;
     const std::string name = "ResponseSection";
-    addTexts<S>(map, name, s,
-                {{"name", &S::nameOn, &S::name},
-                 {"address", &S::addressOn, &S::address},
-                 {"location", &S::locationOn, &S::location},
-                 {"message", &S::messageOn, &S::message},
-                 {"minTime", &S::minTimeOn, &S::minTime},
-                 {"maxTime", &S::maxTimeOn, &S::maxTime}});
-    addParameterPart(map, name, s);
+    addMessageSection(map, name, s);
+    addTexts<S>(map, name, s, {{"address", &S::addressOn, &S::address}, {"location", &S::locationOn, &S::location}});
 }
 
 void addPrimitive(FieldMap& map, XpvtFindCriteria702::PrimitiveSection& s) {
@@ -109,9 +96,8 @@ void addPrimitive(FieldMap& map, XpvtFindCriteria702::PrimitiveSection& s) {
                  {"parent", &S::parentOn, &S::parent},
                  {"name", &S::nameOn, &S::name},
                  {"primitiveType", &S::primitiveTypeOn, &S::primitiveType},
-                 {"id", &S::idOn, &S::id},
-                 {"minTime", &S::minTimeOn, &S::minTime},
-                 {"maxTime", &S::maxTimeOn, &S::maxTime}});
+                 {"id", &S::idOn, &S::id}});
+    addTimes(map, name, s);
     addFlags<S>(map, name, s, {{"start", &S::start}, {"finish", &S::finish}, {"startOrFinish", &S::startOrFinish}});
 }
 
@@ -141,7 +127,7 @@ void addParameter(FieldMap& map, XpvtFindCriteria702::ParameterSection& s) {
 FieldMap fieldsOf(XpvtFindCriteria702& c) {
     FieldMap map;
     addLogicalLink(map, c.logicalLinkSection);
-    addRequest(map, c.requestSection);
+    addMessageSection(map, "RequestSection", c.requestSection);
     addResponse(map, c.responseSection);
     addPrimitive(map, c.primitiveSection);
     addResult(map, c.resultSection);

@@ -10,22 +10,6 @@
 
 namespace {
 
-// Runs zdt-cli with its temporary root inside `dir`.
-CliRun Cli(const TempDir& dir, const std::vector<std::string>& args) {
-    return RunCli(dir, args, "ZDT_ANALYZER_HOME=" + ShellQuote(dir.File("home")));
-}
-
-// Every swap file and per-run directory must be gone after a run, whatever its end.
-std::size_t LeftoverFiles(const TempDir& dir) {
-    std::size_t count = 0;
-    std::error_code error;
-    for (auto it = std::filesystem::recursive_directory_iterator(dir.File("home"), error);
-         it != std::filesystem::recursive_directory_iterator(); ++it)
-        if (!it->is_directory() || it.depth() >= 1)
-            ++count;
-    return count;
-}
-
 TEST(SnpCli, RowsMatchTheGeneratorsSideFile) {
     TempDir dir;
     zdtgen::SnapshotOptions options;
@@ -45,7 +29,7 @@ TEST(SnpCli, RowsMatchTheGeneratorsSideFile) {
         if (line.rfind("#DateTime", 0) != 0)
             expected += std::to_string(++number) + "\t" + line + "\n";
 
-    const CliRun run = Cli(dir, {"rows", path});
+    const CliRun run = RunCliInHome(dir, {"rows", path});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(run.out, expected);
     EXPECT_EQ(LeftoverFiles(dir), 0u);
@@ -57,14 +41,14 @@ TEST(SnpCli, InfoAndFind) {
         "s.snp", "<SnapList Created='14:05:09,21.11.2023'><SnapShot ShortName='A'><LogicalLink Name='L'>"
                  "<Service Name='ReadData'/><Service Name='Write'/><Service Name='Read'/>"
                  "</LogicalLink></SnapShot></SnapList>");
-    const CliRun info = Cli(dir, {"info", path});
+    const CliRun info = RunCliInHome(dir, {"info", path});
     EXPECT_EQ(info.status, 0);
     EXPECT_EQ(info.out, "File name: " + path + "\nDate: 21.11.2023\nTime: 14:05:09\nAuthor: ZDT V7\nRows: 7\n");
 
-    const CliRun find = Cli(dir, {"find", path, "searchService=1", "serviceNameOn=1", "serviceName=Read"});
+    const CliRun find = RunCliInHome(dir, {"find", path, "searchService=1", "serviceNameOn=1", "serviceName=Read"});
     EXPECT_EQ(find.status, 0) << find.err;
     EXPECT_EQ(find.out, "3\n5\n");
-    const CliRun none = Cli(dir, {"find", path, "searchService=1", "serviceName=Read"});
+    const CliRun none = RunCliInHome(dir, {"find", path, "searchService=1", "serviceName=Read"});
     EXPECT_EQ(none.status, 0);
     EXPECT_EQ(none.out, "");
     EXPECT_EQ(LeftoverFiles(dir), 0u);
@@ -72,12 +56,12 @@ TEST(SnpCli, InfoAndFind) {
 
 TEST(SnpCli, FailuresAndBadArguments) {
     TempDir dir;
-    const CliRun truncated = Cli(dir, {"rows", dir.Write("t.snp", "<SnapList>\n<SnapShot ShortName='A")});
+    const CliRun truncated = RunCliInHome(dir, {"rows", dir.Write("t.snp", "<SnapList>\n<SnapShot ShortName='A")});
     EXPECT_EQ(truncated.status, 1);
     EXPECT_EQ(truncated.out, "");
     EXPECT_EQ(truncated.err, "XML error: 2 unclosed token\n");
 
-    const CliRun missing = Cli(dir, {"info", dir.File("none.snp")});
+    const CliRun missing = RunCliInHome(dir, {"info", dir.File("none.snp")});
     EXPECT_EQ(missing.status, 1);
     EXPECT_EQ(missing.err, "Could not open input xml file.\n");
     EXPECT_EQ(LeftoverFiles(dir), 0u);
@@ -86,7 +70,7 @@ TEST(SnpCli, FailuresAndBadArguments) {
     for (const std::vector<std::string>& args :
          {std::vector<std::string>{"find", good, "unknownField=1"}, {"find", good, "searchService=yes"},
           {"find", good, "serviceName"}, {"rows", good, good}, {"sbt", good, dir.File("out.sbt")}}) {
-        const CliRun run = Cli(dir, args);
+        const CliRun run = RunCliInHome(dir, args);
         EXPECT_EQ(run.status, 2) << args[0] << " " << args.back();
         EXPECT_NE(run.err.find("usage:"), std::string::npos);
     }
@@ -100,11 +84,7 @@ TEST(SnpCli, InterruptLeavesNoSwapFile) {
     std::ofstream out(dir.File("big.snp"), std::ios::binary);
     zdtgen::WriteSnapshot(out, options);
     out.close();
-    const std::string command = "ZDT_ANALYZER_HOME=" + ShellQuote(dir.File("home")) + " " + ShellQuote(ZDT_CLI_PATH) +
-                                " rows " + ShellQuote(dir.File("big.snp")) + " >/dev/null 2>&1 & pid=$!; sleep 0.3; " +
-                                "kill -INT $pid; wait $pid; echo $? >" + ShellQuote(dir.File("status"));
-    std::system(command.c_str());
-    EXPECT_EQ(TempDir::Read(dir.File("status")), "130\n");
+    EXPECT_EQ(InterruptedRowsStatus(dir, dir.File("big.snp")), "130\n");
     EXPECT_EQ(LeftoverFiles(dir), 0u);
 }
 

@@ -9,22 +9,6 @@
 
 namespace {
 
-// Runs zdt-cli with its temporary root inside `dir`.
-CliRun Cli(const TempDir& dir, const std::vector<std::string>& args) {
-    return RunCli(dir, args, "ZDT_ANALYZER_HOME=" + ShellQuote(dir.File("home")));
-}
-
-// Swap files and per-run directories must be gone after every run.
-std::size_t LeftoverFiles(const TempDir& dir) {
-    std::size_t count = 0;
-    std::error_code error;
-    for (auto it = std::filesystem::recursive_directory_iterator(dir.File("home"), error);
-         it != std::filesystem::recursive_directory_iterator(); ++it)
-        if (!it->is_directory() || it.depth() >= 1)
-            ++count;
-    return count;
-}
-
 // A 7.01 trace that touches each kind of row once: primitive, result, request name,
 // PDU and parameter, ECU, a not acknowledged state, a ten-byte response PDU (three
 // rows, the last repeating one digit) and nested response parameters.
@@ -109,10 +93,10 @@ const char* const Rows702 =
 
 TEST(XpvtCli, RowsOfBothSchemasAsStored) {
     TempDir dir;
-    const CliRun rows701 = Cli(dir, {"rows", dir.Write("a.xpvt", Trace701)});
+    const CliRun rows701 = RunCliInHome(dir, {"rows", dir.Write("a.xpvt", Trace701)});
     EXPECT_EQ(rows701.status, 0) << rows701.err;
     EXPECT_EQ(rows701.out, Rows701);
-    const CliRun rows702 = Cli(dir, {"rows", dir.Write("b.XPVT", Trace702)}); // the extension in any case
+    const CliRun rows702 = RunCliInHome(dir, {"rows", dir.Write("b.XPVT", Trace702)}); // the extension in any case
     EXPECT_EQ(rows702.status, 0) << rows702.err;
     EXPECT_EQ(rows702.out, Rows702);
     EXPECT_EQ(LeftoverFiles(dir), 0u);
@@ -121,12 +105,12 @@ TEST(XpvtCli, RowsOfBothSchemasAsStored) {
 // The dialog's labels; the last one shows the database access key, as the dialog does.
 TEST(XpvtCli, Info) {
     TempDir dir;
-    const CliRun info701 = Cli(dir, {"info", dir.Write("a.xpvt", Trace701)});
+    const CliRun info701 = RunCliInHome(dir, {"info", dir.Write("a.xpvt", Trace701)});
     EXPECT_EQ(info701.status, 0) << info701.err;
     EXPECT_EQ(info701.out, "Title: T\nSchema: 7.01\nProduct version: \nDate: 2024-01-02\nTime: 03:04:05\n"
                            "Author: Me\nComment: \nProject Shortname: P\nVehicle information table Shortname: V\n"
                            "LogicalLink: DAK\nRows: 14\n");
-    const CliRun info702 = Cli(dir, {"info", dir.Write("b.xpvt", Trace702)});
+    const CliRun info702 = RunCliInHome(dir, {"info", dir.Write("b.xpvt", Trace702)});
     EXPECT_EQ(info702.status, 0) << info702.err;
     EXPECT_EQ(info702.out, "Title: Two\nSchema: 7,02\nProduct version: \nDate: 2024-05-06\nTime: 07:08:09\n"
                            "Author: \nComment: \nProject Shortname: \nVehicle information table Shortname: \n"
@@ -150,7 +134,7 @@ TEST(XpvtCli, Find701) {
     for (const Case& c : cases) {
         std::vector<std::string> args = {"find", path};
         args.insert(args.end(), c.criteria.begin(), c.criteria.end());
-        const CliRun run = Cli(dir, args);
+        const CliRun run = RunCliInHome(dir, args);
         EXPECT_EQ(run.status, 0) << run.err;
         EXPECT_EQ(run.out, c.lines) << c.criteria.back();
     }
@@ -160,26 +144,26 @@ TEST(XpvtCli, Find701) {
 TEST(XpvtCli, Find702BySection) {
     TempDir dir;
     const std::string path = dir.Write("b.xpvt", Trace702);
-    const CliRun hit = Cli(dir, {"find", path, "ParameterSection.name=Did"});
+    const CliRun hit = RunCliInHome(dir, {"find", path, "ParameterSection.name=Did"});
     EXPECT_EQ(hit.status, 0) << hit.err;
     EXPECT_EQ(hit.out, "6\n");
-    const CliRun miss = Cli(dir, {"find", path, "ParameterSection.name=Rpm"});
+    const CliRun miss = RunCliInHome(dir, {"find", path, "ParameterSection.name=Rpm"});
     EXPECT_EQ(miss.status, 0) << miss.err;
     EXPECT_EQ(miss.out, "");
     // A section whose findPressed is cleared explicitly takes no part.
-    const CliRun unpressed = Cli(dir, {"find", path, "ParameterSection.name=Did", "ParameterSection.findPressed=0"});
+    const CliRun unpressed = RunCliInHome(dir, {"find", path, "ParameterSection.name=Did", "ParameterSection.findPressed=0"});
     EXPECT_EQ(unpressed.status, 0) << unpressed.err;
     EXPECT_EQ(unpressed.out, "");
 }
 
 TEST(XpvtCli, FailuresAndBadArguments) {
     TempDir dir;
-    const CliRun missing = Cli(dir, {"info", dir.File("none.xpvt")});
+    const CliRun missing = RunCliInHome(dir, {"info", dir.File("none.xpvt")});
     EXPECT_EQ(missing.status, 1);
     EXPECT_EQ(missing.out, "");
     EXPECT_EQ(missing.err, "Could not open input xml file.\n");
 
-    const CliRun truncated = Cli(dir, {"rows", dir.Write("t.xpvt", "<ProcessValueTrace>\n<Trace")});
+    const CliRun truncated = RunCliInHome(dir, {"rows", dir.Write("t.xpvt", "<ProcessValueTrace>\n<Trace")});
     EXPECT_EQ(truncated.status, 1);
     EXPECT_EQ(truncated.out, "");
     EXPECT_EQ(truncated.err, "XML error: 2 unclosed token\n");
@@ -201,7 +185,7 @@ TEST(XpvtCli, FailuresAndBadArguments) {
         {"sbt", path701, dir.File("out.sbt")},
     };
     for (const auto& args : bad) {
-        const CliRun run = Cli(dir, args);
+        const CliRun run = RunCliInHome(dir, args);
         EXPECT_EQ(run.status, 2) << args[0] << " " << args.back();
         EXPECT_NE(run.err.find("usage:"), std::string::npos);
         EXPECT_EQ(run.out, "");
@@ -217,11 +201,7 @@ TEST(XpvtCli, InterruptLeavesNoSwapFile) {
     std::ofstream out(dir.File("big.xpvt"), std::ios::binary);
     zdtgen::WriteXpvtTrace(out, options);
     out.close();
-    const std::string command = "ZDT_ANALYZER_HOME=" + ShellQuote(dir.File("home")) + " " + ShellQuote(ZDT_CLI_PATH) +
-                                " rows " + ShellQuote(dir.File("big.xpvt")) + " >/dev/null 2>&1 & pid=$!; sleep 0.3; " +
-                                "kill -INT $pid; wait $pid; echo $? >" + ShellQuote(dir.File("status"));
-    std::system(command.c_str());
-    EXPECT_EQ(TempDir::Read(dir.File("status")), "130\n");
+    EXPECT_EQ(InterruptedRowsStatus(dir, dir.File("big.xpvt")), "130\n");
     EXPECT_EQ(LeftoverFiles(dir), 0u);
 }
 

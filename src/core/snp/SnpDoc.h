@@ -39,16 +39,9 @@ public:
         std::string date;
     };
 
-    // The go-to commands of the view, by their command ids.
-    enum class GoToCommand { PreviousBookmark = 32783, NextBookmark = 32782, FindNext = 32775, FindPrevious = 32703 };
-
     static constexpr const char* OpenFailedText = "Fatal unknown error occurred while opening document.";
     static constexpr const char* SearchFailedText = "Fatal unknown error occurred while searching the document.";
     static constexpr const char* SessionInformationFailedText = "Fatal unknown error occured.";
-    static constexpr const char* NoRowSelectedText = "No row selected. Please select a row.";
-    static constexpr const char* NoPreviousBookmarkText = "No bookmarks are set. Can't go back bookmark.";
-    static constexpr const char* NoNextBookmarkText = "No bookmarks are set. Can't go next bookmark.";
-    static constexpr const char* NoFindResultsText = "No find results. Can't go next find result.";
 
     SnpDoc();
     ~SnpDoc() override;
@@ -72,11 +65,6 @@ public:
     // Returns false after a failure, whose message went to `messages`; marks made before
     // it stay. Views are told only after a search that ran to its end.
     bool find(const SnpFindCriteria& criteria, zdt::MessageSink* messages, zdt::ProgressSink* progress = nullptr);
-
-    // The row that a go-to command selects from the selected row `selectionMark` (-1 for
-    // none) in a list of `itemCount` rows; nothing when the command stops with a message
-    // or finds no row inside the list.
-    std::optional<int> goTo(GoToCommand command, int selectionMark, int itemCount, zdt::MessageSink* messages);
 
     // Called by the row pass for each complete row.
     void appendSnapshotRow(std::string_view row);

@@ -1,5 +1,7 @@
 #include "xmldoc/BaseDoc.h"
 
+#include "xmldoc/GuardedPass.h"
+
 #include <algorithm>
 #include <climits>
 
@@ -185,6 +187,33 @@ int BaseDoc::previousFindResultLinear(int currentRow) const {
         largest = std::max(largest, row);
     }
     return below != INT_MIN ? below : largest;
+}
+
+std::optional<int> BaseDoc::goTo(GoToCommand command, int selectionMark, int itemCount, zdt::MessageSink* messages) {
+    if (selectionMark == -1) {
+        showDocumentError(messages, NoRowSelectedText);
+        return std::nullopt;
+    }
+    const bool isBookmarkCommand = command == GoToCommand::PreviousBookmark || command == GoToCommand::NextBookmark;
+    if (isBookmarkCommand && bookmarks().empty()) {
+        showDocumentError(messages,
+                          command == GoToCommand::PreviousBookmark ? NoPreviousBookmarkText : NoNextBookmarkText);
+        return std::nullopt;
+    }
+    if (!isBookmarkCommand && findResults().empty()) {
+        showDocumentError(messages, NoFindResultsText);
+        return std::nullopt;
+    }
+    int row = -1;
+    switch (command) {
+    case GoToCommand::PreviousBookmark: row = previousBookmark(selectionMark); break;
+    case GoToCommand::NextBookmark: row = nextBookmark(selectionMark); break;
+    case GoToCommand::FindNext: row = nextFindResult(selectionMark); break;
+    case GoToCommand::FindPrevious: row = previousFindResult(selectionMark); break;
+    }
+    if (row < 0 || row >= itemCount)
+        return std::nullopt;
+    return row;
 }
 
 } // namespace ZDTAnalyzer

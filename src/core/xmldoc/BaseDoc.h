@@ -1,10 +1,12 @@
 #pragma once
 
+#include "common/UserMessage.h"
 #include "xmldoc/FileContainer.h"
 #include "xmldoc/ProxyBookmarkArray.h"
 
 #include <functional>
 #include <list>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -44,6 +46,14 @@ public:
     private:
         std::vector<Bookmark>* m_bookmarks;
     };
+
+    // The go-to commands of the views, by their command ids.
+    enum class GoToCommand { PreviousBookmark = 32783, NextBookmark = 32782, FindNext = 32775, FindPrevious = 32703 };
+
+    static constexpr const char* NoRowSelectedText = "No row selected. Please select a row.";
+    static constexpr const char* NoPreviousBookmarkText = "No bookmarks are set. Can't go back bookmark.";
+    static constexpr const char* NoNextBookmarkText = "No bookmarks are set. Can't go next bookmark.";
+    static constexpr const char* NoFindResultsText = "No find results. Can't go next find result.";
 
     // Positions in rowFlags and the characters a mark is written with.
     static constexpr std::size_t FindMarkPosition = 0;
@@ -98,6 +108,11 @@ public:
     int nextBookmark(int currentRow) const;
     int previousFindResult(int currentRow) const;
     int nextFindResult(int currentRow) const;
+
+    // The row that a go-to command selects from the selected row `selectionMark` (-1 for
+    // none) in a list of `itemCount` rows; nothing when the command stops with a message
+    // or finds no row inside the list.
+    std::optional<int> goTo(GoToCommand command, int selectionMark, int itemCount, zdt::MessageSink* messages);
 
     // The bookmark list command is enabled only with bookmarks.
     bool canShowBookmarkList() const { return !m_bookmarks.empty(); }

@@ -17,8 +17,9 @@ public:
     BitFieldImpl() = default;
     virtual ~BitFieldImpl() = default;
 
-    // Pairs of hex digits form bytes; anything else between them is skipped, so
-    // "0x12, 3 4" reads as 12 34. A lone last digit is a byte of its own value.
+    // Pairs of hex digits form bytes; anything else is skipped, so "12, 3 4" reads
+    // as 12 34 (and in "0x12" the 0 counts as a digit). A lone last digit is a byte
+    // of its own value.
     void init(const char* text);
 
     unsigned getLength() const { return static_cast<unsigned>(m_bytes.size()); }

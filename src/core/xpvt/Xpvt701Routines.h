@@ -2,6 +2,7 @@
 
 #include "xmldoc/PrintableOnly.h"
 #include "xpvt/PduChunker.h"
+#include "xpvt/XpvtHeaderRoutines.h"
 #include "xpvt/XpvtElements.h"
 
 #include <initializer_list>
@@ -42,6 +43,7 @@ template <typename Hooks> struct Xpvt701Routines {
     using Parser = SaxParser<typename Hooks::ParserTraits>;
     using Context = typename Parser::Context;
     using Transition = typename Parser::Transition;
+    using Header = XpvtHeaderRoutines<Parser>;
 
     static constexpr const char* NoPdu = "NO PDU";
 
@@ -122,19 +124,8 @@ template <typename Hooks> struct Xpvt701Routines {
     // "All slots are emptied" at the start of these elements.
     static void startClearing(Context& c, const char**) { clearAllSlots(c); }
 
-    static void startDescription(Context& c, const char** a) {
-        appendAttribute(a, "DateTime", slot(c, Slot::DateTime));
-    }
-    static void startProject(Context& c, const char** a) {
-        appendAttribute(a, "ShortName", slot(c, Slot::ProjectName));
-    }
-    static void startVehicleInformationTable(Context& c, const char** a) {
-        appendAttribute(a, "ShortName", slot(c, Slot::VehicleInformationTableName));
-    }
-
-    // Text of an element joins what its slot already holds.
     template <int SlotNumber> static void appendText(Context& c, const std::string& text) {
-        slot(c, SlotNumber) += text;
+        Header::template appendText<SlotNumber>(c, text);
     }
 
     template <Row701 Event> static void endRow(Context& c) { row(c, Event); }
@@ -186,19 +177,6 @@ template <typename Hooks> struct Xpvt701Routines {
     // --- tables ---------------------------------------------------------------------
 
     static void installTransitions(Parser& parser) {
-        static const Transition root[] = {{"ProcessValueTrace", E::ProcessValueTrace}, {"", E::UnknownElement}};
-        static const Transition processValueTrace[] = {
-            {"Description", E::Description}, {"Trace", E::Trace}, {"", E::UnknownElement}};
-        static const Transition description[] = {
-            {"Title", E::Title},     {"Schema", E::Schema},   {"ProductVersion", E::ProductVersion},
-            {"Date", E::Date},       {"Time", E::Time},       {"Author", E::Author},
-            {"Comment", E::Comment}, {"Project", E::Project}, {"", E::UnknownElement}};
-        static const Transition project[] = {{"ShortName", E::ShortNameInProject},
-                                             {"VehicleInformationTable", E::VehicleInformationTable},
-                                             {"", E::UnknownElement}};
-        static const Transition vehicleInformationTable[] = {{"ShortName", E::ShortNameInVehicleInformationTable},
-                                                             {"LogicalLink", E::LogicalLink},
-                                                             {"", E::UnknownElement}};
         static const Transition logicalLink[] = {{"ShortName", E::ShortNameInLogicalLink},
                                                  {"DatabaseAccessKey", E::DatabaseAccessKey},
                                                  {"", E::UnknownElement}};
@@ -267,11 +245,7 @@ template <typename Hooks> struct Xpvt701Routines {
                                            {"", E::UnknownElement}};
 
         parser.setAllTransitions(Parser::defaultTransitions());
-        parser.setTransitions(E::DocumentRoot, root);
-        parser.setTransitions(E::ProcessValueTrace, processValueTrace);
-        parser.setTransitions(E::Description, description);
-        parser.setTransitions(E::Project, project);
-        parser.setTransitions(E::VehicleInformationTable, vehicleInformationTable);
+        Header::installTransitions(parser);
         parser.setTransitions(E::LogicalLink, logicalLink);
         parser.setTransitions(E::LogicalLinkInZdtResult, logicalLink);
         parser.setTransitions(E::Trace, trace);
@@ -294,9 +268,6 @@ template <typename Hooks> struct Xpvt701Routines {
 
     static void installStartRoutines(Parser& parser) {
         parser.setAllStartRoutines(nullptr);
-        parser.setStartRoutine(E::Description, &startDescription);
-        parser.setStartRoutine(E::Project, &startProject);
-        parser.setStartRoutine(E::VehicleInformationTable, &startVehicleInformationTable);
         for (E element :
              {E::StartTrace, E::StopTrace, E::OpenComPrimitive, E::CloseComPrimitive, E::OpenLogicalLink,
               E::CloseLogicalLink, E::ZdtResult, E::ZdtRequestParameter, E::ZdtResponse, E::ZdtError, E::ECU})
@@ -322,14 +293,6 @@ template <typename Hooks> struct Xpvt701Routines {
         parser.setCharacterRoutine(E::SeverityInfo, &appendText<Slot::SeverityInfo>);
         parser.setCharacterRoutine(E::ECU, &appendText<Slot::Ecu>);
         parser.setCharacterRoutine(E::State, &appendText<Slot::State>);
-        parser.setCharacterRoutine(E::Title, &appendText<Slot::Title>);
-        parser.setCharacterRoutine(E::Schema, &appendText<Slot::Schema>);
-        parser.setCharacterRoutine(E::ProductVersion, &appendText<Slot::ProductVersion>);
-        parser.setCharacterRoutine(E::Author, &appendText<Slot::Author>);
-        parser.setCharacterRoutine(E::Comment, &appendText<Slot::Comment>);
-        parser.setCharacterRoutine(E::ShortNameInProject, &appendText<Slot::ProjectName>);
-        parser.setCharacterRoutine(E::ShortNameInVehicleInformationTable,
-                                   &appendText<Slot::VehicleInformationTableName>);
         parser.setCharacterRoutine(E::DatabaseAccessKey, &appendText<Slot::DatabaseAccessKey>);
         parser.setCharacterRoutine(E::CANID, &appendText<Slot::CanId>);
         parser.setCharacterRoutine(E::TimeStamp, &appendText<Slot::TimeStamp>);
@@ -337,7 +300,6 @@ template <typename Hooks> struct Xpvt701Routines {
 
     static void installEndRoutines(Parser& parser) {
         parser.setAllEndRoutines(nullptr);
-        parser.setEndRoutine(E::Description, &endDescription);
         parser.setEndRoutine(E::StartTrace, &endRow<Row701::StartTrace>);
         parser.setEndRoutine(E::StopTrace, &endRow<Row701::StopTrace>);
         parser.setEndRoutine(E::OpenComPrimitive, &endRow<Row701::OpenComPrimitive>);
@@ -360,6 +322,7 @@ template <typename Hooks> struct Xpvt701Routines {
         installStartRoutines(parser);
         installCharacterRoutines(parser);
         installEndRoutines(parser);
+        Header::installRoutines(parser, &endDescription);
     }
 };
 

@@ -3,6 +3,7 @@
 #include "xmldoc/PrintableOnly.h"
 #include "xpvt/BitFieldImpl.h"
 #include "xpvt/XpvtElements.h"
+#include "xpvt/XpvtHeaderRoutines.h"
 
 #include <climits>
 #include <cstdio>
@@ -64,6 +65,7 @@ template <typename Traits, typename Hooks> struct Xpvt702Routines {
     using Parser = SaxParser<Traits>;
     using Context = typename Parser::Context;
     using Transition = typename Parser::Transition;
+    using Header = XpvtHeaderRoutines<Parser>;
 
     static constexpr const char* MessageRowsMarker = "RequestResponse";
 
@@ -235,13 +237,16 @@ template <typename Traits, typename Hooks> struct Xpvt702Routines {
         appendAttribute(a, "ShortName", chain);
     }
 
-    // The primitive's rows come at its start, from what stands before it.
+    // The primitive's rows come at its start, from what stands before it. Whether the
+    // chain is there is asked of the slot as read: a chain of unprintable names still
+    // gets its (empty) "Called by" row.
     template <Row702 Head> static void startPrimitive(Context& c, const char** a) {
         appendAttribute(a, "ShortName", slot(c, Slot::ShortName));
         appendAttribute(a, "ID", slot(c, Slot::PrimitiveId));
         appendAttribute(a, "ObjectType", slot(c, Slot::ObjectType));
+        const bool calledBy = !slot(c, Slot::ParentChain).empty();
         row(c, Head);
-        if (!slot(c, Slot::ParentChain).empty())
+        if (calledBy)
             row(c, Row702::CalledBy);
         row(c, Row702::DiagComPrimitive);
     }
@@ -346,20 +351,6 @@ template <typename Traits, typename Hooks> struct Xpvt702Routines {
     // --- tables ---------------------------------------------------------------------
 
     static void installTransitions(Parser& parser) {
-        static const Transition root[] = {{"ProcessValueTrace", E::ProcessValueTrace}, {"", E::UnknownElement}};
-        static const Transition processValueTrace[] = {
-            {"Description", E::Description}, {"Trace", E::Trace}, {"", E::UnknownElement}};
-        // The header keeps the subtree it has in 7.01 files.
-        static const Transition description[] = {
-            {"Title", E::Title},     {"Schema", E::Schema},   {"ProductVersion", E::ProductVersion},
-            {"Date", E::Date},       {"Time", E::Time},       {"Author", E::Author},
-            {"Comment", E::Comment}, {"Project", E::Project}, {"", E::UnknownElement}};
-        static const Transition project[] = {{"ShortName", E::ShortNameInProject},
-                                             {"VehicleInformationTable", E::VehicleInformationTable},
-                                             {"", E::UnknownElement}};
-        static const Transition vehicleInformationTable[] = {{"ShortName", E::ShortNameInVehicleInformationTable},
-                                                             {"LogicalLink", E::LogicalLink},
-                                                             {"", E::UnknownElement}};
         static const Transition trace[] = {{"StartTrace", E::StartTrace},
                                            {"StopTrace", E::StopTrace},
                                            {"OpenLogicalLink", E::OpenLogicalLink},
@@ -426,11 +417,8 @@ template <typename Traits, typename Hooks> struct Xpvt702Routines {
                                            {"", E::UnknownElement}};
 
         parser.setAllTransitions(Parser::defaultTransitions());
-        parser.setTransitions(E::DocumentRoot, root);
-        parser.setTransitions(E::ProcessValueTrace, processValueTrace);
-        parser.setTransitions(E::Description, description);
-        parser.setTransitions(E::Project, project);
-        parser.setTransitions(E::VehicleInformationTable, vehicleInformationTable);
+        // The header keeps the subtree it has in 7.01 files.
+        Header::installTransitions(parser);
         parser.setTransitions(E::Trace, trace);
         parser.setTransitions(E::StartTrace, startTrace);
         parser.setTransitions(E::OpenLogicalLink, linkEvent);
@@ -519,33 +507,10 @@ template <typename Traits, typename Hooks> struct Xpvt702Routines {
         installEndRoutines(parser);
     }
 
-    static void startDescription(Context& c, const char** a) {
-        appendAttribute(a, "DateTime", slot(c, Slot::DateTime));
-    }
-    static void startProject(Context& c, const char** a) {
-        appendAttribute(a, "ShortName", slot(c, Slot::ProjectName));
-    }
-    static void startVehicleInformationTable(Context& c, const char** a) {
-        appendAttribute(a, "ShortName", slot(c, Slot::VehicleInformationTableName));
-    }
-
     // The header as the 7.01 tables read it: a second Description after the switch
     // still fills the session facts.
     static void installDescription(Parser& parser, typename Parser::EndRoutine descriptionEnd) {
-        parser.setStartRoutine(E::Description, &startDescription);
-        parser.setStartRoutine(E::Project, &startProject);
-        parser.setStartRoutine(E::VehicleInformationTable, &startVehicleInformationTable);
-        parser.setCharacterRoutine(E::Title, &appendText<Slot::Title>);
-        parser.setCharacterRoutine(E::Schema, &appendText<Slot::Schema>);
-        parser.setCharacterRoutine(E::ProductVersion, &appendText<Slot::ProductVersion>);
-        parser.setCharacterRoutine(E::Date, &appendText<Slot::Date>);
-        parser.setCharacterRoutine(E::Time, &appendText<Slot::Time>);
-        parser.setCharacterRoutine(E::Author, &appendText<Slot::Author>);
-        parser.setCharacterRoutine(E::Comment, &appendText<Slot::Comment>);
-        parser.setCharacterRoutine(E::ShortNameInProject, &appendText<Slot::ProjectName>);
-        parser.setCharacterRoutine(E::ShortNameInVehicleInformationTable,
-                                   &appendText<Slot::VehicleInformationTableName>);
-        parser.setEndRoutine(E::Description, descriptionEnd);
+        Header::installRoutines(parser, descriptionEnd);
     }
 };
 

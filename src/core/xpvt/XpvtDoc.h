@@ -38,17 +38,10 @@ public:
         std::string DatabaseAccessKey;
     };
 
-    // The go-to commands of the view, by their command ids.
-    enum class GoToCommand { PreviousBookmark = 32783, NextBookmark = 32782, FindNext = 32775, FindPrevious = 32703 };
-
     static constexpr const char* Schema702 = "7,02";
     static constexpr const char* OpenFailedText = "Fatal unknown error occurred while opening document.";
     static constexpr const char* SearchFailedText = "Fatal unknown error occurred while searching the document.";
     static constexpr const char* FilterFailedText = "Filter did not succeed.";
-    static constexpr const char* NoRowSelectedText = "No row selected. Please select a row.";
-    static constexpr const char* NoPreviousBookmarkText = "No bookmarks are set. Can't go back bookmark.";
-    static constexpr const char* NoNextBookmarkText = "No bookmarks are set. Can't go next bookmark.";
-    static constexpr const char* NoFindResultsText = "No find results. Can't go next find result.";
 
     XpvtDoc();
     ~XpvtDoc() override;
@@ -82,11 +75,6 @@ public:
     // The filter command. Until filters exist it fails with "Filter did not succeed.",
     // and the document stays as it was.
     void filter(zdt::MessageSink* messages);
-
-    // The row that a go-to command selects from the selected row `selectionMark` (-1 for
-    // none) in a list of `itemCount` rows; nothing when the command stops with a message
-    // or finds no row inside the list.
-    std::optional<int> goTo(GoToCommand command, int selectionMark, int itemCount, zdt::MessageSink* messages);
 
     // Called by the row pass for each complete row.
     void appendXpvtRow(std::string_view row);

@@ -46,15 +46,19 @@ PopupResource HelpPopup(int menuId) {
     return {"&Help", {Item("&Help Topics\tF1", FrameCommand::Help), Separator(), AboutItem(menuId)}};
 }
 
+// The items that show and hide the bars, at the end of every "&View" popup.
+std::vector<MenuItemResource> BarItems() {
+    return {Item("&Toolbar", FrameCommand::ViewToolbar), Item("B&ookmark Toolbar", FrameCommand::ViewBookmarkToolbar),
+            Item("&Status Bar", FrameCommand::ViewStatusBar)};
+}
+
 std::vector<PopupResource> MainMenu(int id) {
     return {
         {"&File",
          {Item("&Open...\tCtrl+O", FrameCommand::FileOpen), Separator(),
           Item("P&rint Setup...", FrameCommand::FilePrintSetup), Separator(), RecentFiles(), Separator(),
           Item("E&xit", FrameCommand::AppExit)}},
-        {"&View",
-         {Item("&Toolbar", FrameCommand::ViewToolbar), Item("B&ookmark Toolbar", FrameCommand::ViewBookmarkToolbar),
-          Item("&Status Bar", FrameCommand::ViewStatusBar)}},
+        {"&View", BarItems()},
         HelpPopup(id),
     };
 }
@@ -70,29 +74,46 @@ PopupResource WindowPopup() {
              Item("Tile &Vertically", FrameCommand::WindowTileVertical), WindowList()}};
 }
 
+// The "&File" popup of a document window; only its save item differs between families.
+PopupResource DocumentFilePopup(MenuItemResource saveItem) {
+    return {"&File",
+            {Item("&Open...\tCtrl+O", FrameCommand::FileOpen), Item("&Close", FrameCommand::FileClose), Separator(),
+             Item("&Print...\tCtrl+P", ViewCommand::Print), Item("Print Pre&view", ViewCommand::PrintPreview),
+             Item("P&rint Setup...", FrameCommand::FilePrintSetup), Separator(), saveItem, Separator(), RecentFiles(),
+             Separator(), Item("E&xit", FrameCommand::AppExit)}};
+}
+
+// The "&Session" popup of a document window. The XML families add named bookmarks and
+// the bookmark list; the filter item closes the popup.
+PopupResource SessionPopup(bool xmlBookmarks, MenuItemResource filterItem) {
+    std::vector<MenuItemResource> items = {
+        Item("Session Info...", ViewCommand::SessionInfo), Separator(), Item("&Find\tCtrl+F", ViewCommand::Find),
+        Item("Find &Next\tCtrl+F3", ViewCommand::FindNext),
+        Item("Find &Previous\tCtrl+Shift+F3", ViewCommand::FindPrevious), Separator(),
+        Item("&Toggle Bookmark\tCtrl+F2", ViewCommand::ToggleBookmark)};
+    if (xmlBookmarks)
+        items.push_back(Item("Toggle Bookmark with Na&me...\tCtrl+Alt+F2", ViewCommand::ToggleNamedBookmark));
+    items.push_back(Item("&Goto Next Bookmark\tF2", ViewCommand::NextBookmark));
+    items.push_back(Item("Goto Previous &Bookmark\tShift+F2", ViewCommand::PreviousBookmark));
+    items.push_back(Item("Clear All Bookmarks\tCtrl+Shift+F2", ViewCommand::ClearBookmarks));
+    if (xmlBookmarks)
+        items.push_back(Item("Bookmark &List...\tCtrl+B", ViewCommand::BookmarkList));
+    items.push_back(Separator());
+    items.push_back(filterItem);
+    return {"&Session", items};
+}
+
 std::vector<PopupResource> ClassicMenu(int id) {
     // The partner's menu keeps the trailing blank of this item.
     const char* styleKLine = id == 143 ? "Style KLine Link " : "Style KLine Link";
+    std::vector<MenuItemResource> view = {Item(styleKLine, ViewCommand::StyleKLine),
+                                          Item("Style CAN Link", ViewCommand::StyleCan), Separator()};
+    for (const MenuItemResource& item : BarItems())
+        view.push_back(item);
     return {
-        {"&File",
-         {Item("&Open...\tCtrl+O", FrameCommand::FileOpen), Item("&Close", FrameCommand::FileClose), Separator(),
-          Item("&Print...\tCtrl+P", ViewCommand::Print), Item("Print Pre&view", ViewCommand::PrintPreview),
-          Item("P&rint Setup...", FrameCommand::FilePrintSetup), Separator(),
-          Item("Save &As ASCII file...", ViewCommand::SaveAsAscii), Separator(), RecentFiles(), Separator(),
-          Item("E&xit", FrameCommand::AppExit)}},
-        {"&Session",
-         {Item("Session Info...", ViewCommand::SessionInfo), Separator(), Item("&Find\tCtrl+F", ViewCommand::Find),
-          Item("Find &Next\tCtrl+F3", ViewCommand::FindNext),
-          Item("Find &Previous\tCtrl+Shift+F3", ViewCommand::FindPrevious), Separator(),
-          Item("&Toggle Bookmark\tCtrl+F2", ViewCommand::ToggleBookmark),
-          Item("&Goto Next Bookmark\tF2", ViewCommand::NextBookmark),
-          Item("Goto Previous &Bookmark\tShift+F2", ViewCommand::PreviousBookmark),
-          Item("Clear All Bookmarks\tCtrl+Shift+F2", ViewCommand::ClearBookmarks), Separator(),
-          Item("&Can Filter ...", ViewCommand::CanFilter)}},
-        {"&View",
-         {Item(styleKLine, ViewCommand::StyleKLine), Item("Style CAN Link", ViewCommand::StyleCan), Separator(),
-          Item("&Toolbar", FrameCommand::ViewToolbar), Item("B&ookmark Toolbar", FrameCommand::ViewBookmarkToolbar),
-          Item("&Status Bar", FrameCommand::ViewStatusBar)}},
+        DocumentFilePopup(Item("Save &As ASCII file...", ViewCommand::SaveAsAscii)),
+        SessionPopup(false, Item("&Can Filter ...", ViewCommand::CanFilter)),
+        {"&View", view},
         WindowPopup(),
         HelpPopup(id),
     };
@@ -104,28 +125,11 @@ std::vector<PopupResource> XmlDocumentMenu(int id) {
     std::vector<MenuItemResource> view;
     if (id == 139)
         view = {ColumnsPopup(), Separator()};
-    for (MenuItemResource item :
-         {Item("&Toolbar", FrameCommand::ViewToolbar), Item("B&ookmark Toolbar", FrameCommand::ViewBookmarkToolbar),
-          Item("&Status Bar", FrameCommand::ViewStatusBar)})
+    for (const MenuItemResource& item : BarItems())
         view.push_back(item);
     return {
-        {"&File",
-         {Item("&Open...\tCtrl+O", FrameCommand::FileOpen), Item("&Close", FrameCommand::FileClose), Separator(),
-          Item("&Print...\tCtrl+P", ViewCommand::Print), Item("Print Pre&view", ViewCommand::PrintPreview),
-          Item("P&rint Setup...", FrameCommand::FilePrintSetup), Separator(),
-          Item("Save &As...\tCtrl+Shift+S", ViewCommand::SaveAs), Separator(), RecentFiles(), Separator(),
-          Item("E&xit", FrameCommand::AppExit)}},
-        {"&Session",
-         {Item("Session Info...", ViewCommand::SessionInfo), Separator(), Item("&Find\tCtrl+F", ViewCommand::Find),
-          Item("Find &Next\tCtrl+F3", ViewCommand::FindNext),
-          Item("Find &Previous\tCtrl+Shift+F3", ViewCommand::FindPrevious), Separator(),
-          Item("&Toggle Bookmark\tCtrl+F2", ViewCommand::ToggleBookmark),
-          Item("Toggle Bookmark with Na&me...\tCtrl+Alt+F2", ViewCommand::ToggleNamedBookmark),
-          Item("&Goto Next Bookmark\tF2", ViewCommand::NextBookmark),
-          Item("Goto Previous &Bookmark\tShift+F2", ViewCommand::PreviousBookmark),
-          Item("Clear All Bookmarks\tCtrl+Shift+F2", ViewCommand::ClearBookmarks),
-          Item("Bookmark &List...\tCtrl+B", ViewCommand::BookmarkList), Separator(),
-          Item("Filte&r...", ViewCommand::Filter)}},
+        DocumentFilePopup(Item("Save &As...\tCtrl+Shift+S", ViewCommand::SaveAs)),
+        SessionPopup(true, Item("Filte&r...", ViewCommand::Filter)),
         {"&View", view},
         WindowPopup(),
         HelpPopup(MainMenuOfEdition()),

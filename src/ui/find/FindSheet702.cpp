@@ -50,72 +50,68 @@ FindSheet702::FindSheet702(QWidget* parent, Criteria& criteria) : QDialog(parent
 
 void FindSheet702::buildPages() {
     Criteria& c = m_criteria;
-
     auto& link = c.logicalLinkSection;
-    Page& linkPage = beginPage(Criteria::LogicalLinkPage, "Open Close Logical Link", &link.all, &link.findPressed);
-    addText(linkPage, "Minimum Timestamp:", &link.minTime);
-    addText(linkPage, "Maximum Timestamp:", &link.maxTime);
-    addText(linkPage, "Logical Link:", &link.link);
-    addText(linkPage, "Location:", &link.location);
-    addRadios(linkPage, {{"Open", &link.open}, {"Close", &link.close}, {"Open and Close", &link.openAndClose}});
-    finishPage(Criteria::LogicalLinkPage);
-
+    addPage(Criteria::LogicalLinkPage, "Open Close Logical Link", link,
+            {{"Minimum Timestamp:", &link.minTime},
+             {"Maximum Timestamp:", &link.maxTime},
+             {"Logical Link:", &link.link},
+             {"Location:", &link.location}},
+            {{"Open", &link.open}, {"Close", &link.close}, {"Open and Close", &link.openAndClose}});
     auto& request = c.requestSection;
-    Page& requestPage = beginPage(Criteria::RequestPage, "Request", &request.all, &request.findPressed);
-    addText(requestPage, "Name:", &request.name);
-    addText(requestPage, "Message(PDU):", &request.message);
-    addText(requestPage, "Minimum Timestamp:", &request.minTime);
-    addText(requestPage, "Maximum Timestamp:", &request.maxTime);
-    addParameterPart(requestPage, &request.parameterEnabled, &request.paramName, &request.dataType, &request.value,
-                     &request.range);
-    finishPage(Criteria::RequestPage);
-
+    addPage(Criteria::RequestPage, "Request", request,
+            {{"Name:", &request.name},
+             {"Message(PDU):", &request.message},
+             {"Minimum Timestamp:", &request.minTime},
+             {"Maximum Timestamp:", &request.maxTime}});
     auto& response = c.responseSection;
-    Page& responsePage = beginPage(Criteria::ResponsePage, "Response", &response.all, &response.findPressed);
-    addText(responsePage, "Name:", &response.name);
-    addText(responsePage, "Location address (ID):", &response.address);
-    addText(responsePage, "Access Key Of Location (Location):", &response.location);
-    addText(responsePage, "Message (PDU):", &response.message);
-    addText(responsePage, "Minimum Timestamp:", &response.minTime);
-    addText(responsePage, "Maximum Timestamp:", &response.maxTime);
-    addParameterPart(responsePage, &response.parameterEnabled, &response.paramName, &response.dataType, &response.value,
-                     &response.range);
-    finishPage(Criteria::ResponsePage);
-
+    addPage(Criteria::ResponsePage, "Response", response,
+            {{"Name:", &response.name},
+             {"Location address (ID):", &response.address},
+             {"Access Key Of Location (Location):", &response.location},
+             {"Message (PDU):", &response.message},
+             {"Minimum Timestamp:", &response.minTime},
+             {"Maximum Timestamp:", &response.maxTime}});
     auto& primitive = c.primitiveSection;
-    Page& primitivePage =
-        beginPage(Criteria::PrimitivePage, "Start Stop Diagcom Primitive", &primitive.all, &primitive.findPressed);
-    addText(primitivePage, "Logical Link:", &primitive.link);
-    addText(primitivePage, "Location:", &primitive.location);
-    addText(primitivePage, "Parent:", &primitive.parent);
-    addText(primitivePage, "Name:", &primitive.name);
-    addText(primitivePage, "Primitive Type:", &primitive.primitiveType);
-    addText(primitivePage, "Id:", &primitive.id);
-    addText(primitivePage, "Minimum Timestamp:", &primitive.minTime);
-    addText(primitivePage, "Maximum Timestamp:", &primitive.maxTime);
-    addRadios(
-        primitivePage,
-        {{"Start", &primitive.start}, {"Finish", &primitive.finish}, {"Start or Finish", &primitive.startOrFinish}});
-    finishPage(Criteria::PrimitivePage);
-
+    addPage(Criteria::PrimitivePage, "Start Stop Diagcom Primitive", primitive,
+            {{"Logical Link:", &primitive.link},
+             {"Location:", &primitive.location},
+             {"Parent:", &primitive.parent},
+             {"Name:", &primitive.name},
+             {"Primitive Type:", &primitive.primitiveType},
+             {"Id:", &primitive.id},
+             {"Minimum Timestamp:", &primitive.minTime},
+             {"Maximum Timestamp:", &primitive.maxTime}},
+            {{"Start", &primitive.start}, {"Finish", &primitive.finish}, {"Start or Finish", &primitive.startOrFinish}});
     auto& result = c.resultSection;
-    Page& resultPage = beginPage(Criteria::ResultPage, "Result", &result.all, &result.findPressed);
-    addText(resultPage, "Diagcom Primitive Type:", &result.primitiveType);
-    addText(resultPage, "Diagcom Primitive Id:", &result.primitiveId);
-    addText(resultPage, "Logical Link:", &result.link);
-    addText(resultPage, "Parent Diagcom Primitive:", &result.parent);
-    finishPage(Criteria::ResultPage);
-
+    addPage(Criteria::ResultPage, "Result", result,
+            {{"Diagcom Primitive Type:", &result.primitiveType},
+             {"Diagcom Primitive Id:", &result.primitiveId},
+             {"Logical Link:", &result.link},
+             {"Parent Diagcom Primitive:", &result.parent}});
     // The Parameter page's edits are stored by its own collect, not by plain bindings.
     auto& parameter = c.parameterSection;
-    Page& parameterPage = beginPage(Criteria::ParameterPage, "Parameter", &parameter.all, &parameter.findPressed);
-    m_parameterPageEdits = {addText(parameterPage, "Name(description):", nullptr),
-                            addText(parameterPage, "Data Type:", nullptr), addText(parameterPage, "Value:", nullptr),
-                            addText(parameterPage, "Range:", nullptr)};
-    addRadios(parameterPage, {{"Request", &parameter.request},
-                              {"Response", &parameter.response},
-                              {"Request or Response", &parameter.requestOrResponse}});
-    finishPage(Criteria::ParameterPage);
+    addPage(Criteria::ParameterPage, "Parameter", parameter,
+            {{"Name(description):", nullptr}, {"Data Type:", nullptr}, {"Value:", nullptr}, {"Range:", nullptr}},
+            {{"Request", &parameter.request},
+             {"Response", &parameter.response},
+             {"Request or Response", &parameter.requestOrResponse}});
+    const Page& parameterPage = m_pages[static_cast<std::size_t>(Criteria::ParameterPage)];
+    for (std::size_t i = 0; i < m_parameterPageEdits.size(); ++i)
+        m_parameterPageEdits[i] = parameterPage.texts[i].edit;
+}
+
+template <typename Section>
+void FindSheet702::addPage(int index, const char* title, Section& section, TextRows texts, RadioRows radios) {
+    Page& page = beginPage(index, title, &section.all, &section.findPressed);
+    for (const auto& [label, text] : texts)
+        addText(page, label, text);
+    // Only the request and response sections carry a parameter part of their own.
+    if constexpr (requires { section.paramName; })
+        addParameterPart(page, &section.parameterEnabled, &section.paramName, &section.dataType, &section.value,
+                         &section.range);
+    if (radios.size() > 0)
+        addRadios(page, radios);
+    finishPage(index);
 }
 
 FindSheet702::Page& FindSheet702::beginPage(int index, const char* title, bool* all, bool* findPressed) {
@@ -142,7 +138,7 @@ QLineEdit* FindSheet702::addText(Page& page, const char* label, std::string* tex
     return edit;
 }
 
-void FindSheet702::addRadios(Page& page, std::initializer_list<std::pair<const char*, bool*>> radios) {
+void FindSheet702::addRadios(Page& page, RadioRows radios) {
     auto* group = new QButtonGroup(page.widget);
     auto* row = new QHBoxLayout;
     const int index = m_tabs->indexOf(page.widget);

@@ -58,10 +58,17 @@ private:
         std::vector<QLineEdit*> parameterEdits;
     };
 
+    using TextRows = std::initializer_list<std::pair<const char*, std::string*>>;
+    using RadioRows = std::initializer_list<std::pair<const char*, bool*>>;
+
     void buildPages();
+    // One page over `section`: "All", the text rows, the parameter part where the section
+    // has one, the radio row, then "Find" and "Close".
+    template <typename Section>
+    void addPage(int index, const char* title, Section& section, TextRows texts, RadioRows radios = {});
     Page& beginPage(int index, const char* title, bool* all, bool* findPressed);
     QLineEdit* addText(Page& page, const char* label, std::string* text);
-    void addRadios(Page& page, std::initializer_list<std::pair<const char*, bool*>> radios);
+    void addRadios(Page& page, RadioRows radios);
     void addParameterPart(Page& page, bool* enabled, std::string* name, std::string* dataType, std::string* value,
                           std::string* range);
     void finishPage(int index);

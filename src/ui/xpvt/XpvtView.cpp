@@ -1,8 +1,5 @@
 #include "xpvt/XpvtView.h"
 
-#include "app/Boxes.h"
-#include "xmldoc/AdornedListModel.h"
-#include "xmldoc/dialogs/BookmarkDialogs.h"
 #include "xpvt/XpvtColumnSettings.h"
 #include "xpvt/XpvtDocInUi.h"
 #include "xpvt/XpvtUiDocument.h"
@@ -81,7 +78,10 @@ std::string StoredColumnSettings() {
 }  // namespace
 
 XpvtView::XpvtView(XpvtUiDocument& document, QWidget* parent)
-    : AdornedListView(document.xpvtDoc(), parent), m_uiDocument(document) {}
+    : XmlListView(document,
+                  Family{MenuResourceId, SessionInformationId, DocumentFilterId, XpvtDoc::NoRowSelectedText},
+                  parent),
+      m_uiDocument(document) {}
 
 XpvtDoc& XpvtView::doc() const {
     return m_uiDocument.xpvtDoc();
@@ -91,29 +91,17 @@ bool XpvtView::is702() const {
     return doc().is702();
 }
 
-void XpvtView::initialUpdate() {
-    try {
-        layOut();
-        enterCommands();
-        listModel()->setRowCountTo(doc().container().rowCount());
-        m_initialised = true;
-        updateCommands();
-    } catch (...) {
-        showFailure(InitialUpdateFailedText);
-    }
-}
-
 // Columns, alignments, colours and the context menu of the schema known now. The widths
 // drawn so far belong to the old columns and go with them.
 void XpvtView::layOut() {
     m_laidOutFor702 = is702();
     for (int column = 0; column < ColumnWidthEntries; ++column)
         setColumnWidthEntry(column, 0);
-    AdornedListView::initialUpdate();
+    XmlListView::layOut();
 }
 
 void XpvtView::onDocumentChanged() {
-    if (m_initialised && is702() != m_laidOutFor702) {
+    if (initialised() && is702() != m_laidOutFor702) {
         try {
             layOut();
         } catch (...) {
@@ -122,32 +110,17 @@ void XpvtView::onDocumentChanged() {
         if (m_columnsMenu != nullptr && m_columnsMenu->property(ColumnsOwnerProperty).value<QObject*>() == this)
             fillColumnsMenu(m_columnsMenu);
     }
-    OnUpdate();
+    XmlListView::onDocumentChanged();
 }
 
-void XpvtView::enterCommands() {
-    // Entered first, so that it runs last: a 7.02 list keeps find disabled, a 7.01 list
-    // leaves it to the document; both wait for the end of the read.
+void XpvtView::enterFamilyCommands() {
+    // A 7.02 list keeps find disabled; a 7.01 list leaves it to the document.
     addUpdateCommand(FindId, [this](QAction& action) {
-        if (is702() || m_uiDocument.isOpening())
+        if (is702())
             action.setEnabled(false);
     });
-    const auto whenBookmarks = [this](QAction& action) { action.setEnabled(!doc().bookmarks().empty()); };
-    const auto whenFindResults = [this](QAction& action) { action.setEnabled(!doc().findResults().empty()); };
-    addCommand(PreviousBookmarkId, [this] { goTo(PreviousBookmarkId); });
-    addUpdateCommand(PreviousBookmarkId, whenBookmarks);
-    addCommand(NextBookmarkId, [this] { goTo(NextBookmarkId); });
-    addUpdateCommand(NextBookmarkId, whenBookmarks);
-    addCommand(ToggleBookmarkId, [this] { toggleBookmark(); });
-    addCommand(ToggleBookmarkDialogId, [this] { toggleBookmarkWithDialog(); });
-    addCommand(ClearBookmarksId, [this] { doc().clearBookmarks(); });
-    addUpdateCommand(ClearBookmarksId, whenBookmarks);
-    addCommand(FindNextId, [this] { goTo(FindNextId); });
-    addUpdateCommand(FindNextId, whenFindResults);
-    addCommand(FindPreviousId, [this] { goTo(FindPreviousId); });
-    addUpdateCommand(FindPreviousId, whenFindResults);
+    addCommand(DocumentFilterId, [this] { m_uiDocument.onFilter(this); });
     enterColumnCommands();
-    enterDocumentCommands();
 }
 
 void XpvtView::enterColumnCommands() {
@@ -160,24 +133,6 @@ void XpvtView::enterColumnCommands() {
             action.setEnabled(column >= 0);
         });
     }
-}
-
-// The document's own commands; export and the commands that read the file again wait
-// for the end of the read.
-void XpvtView::enterDocumentCommands() {
-    const auto whenRead = [this](QAction& action) {
-        if (m_uiDocument.isOpening())
-            action.setEnabled(false);
-    };
-    addCommand(FindId, [this] { m_uiDocument.onFind(this); });
-    addCommand(SessionInformationId, [this] { m_uiDocument.onSessionInformation(this); });
-    addCommand(DocumentFilterId, [this] { m_uiDocument.onFilter(this); });
-    addUpdateCommand(DocumentFilterId, whenRead);
-    addCommand(BookmarkListId, [this] { m_uiDocument.onBookmarkList(this); });
-    addUpdateCommand(BookmarkListId, [this](QAction& action) { action.setEnabled(doc().canShowBookmarkList()); });
-    addUpdateCommand(SaveAsId, whenRead);
-    addUpdateCommand(PrintId, whenRead);
-    addUpdateCommand(PrintPreviewId, whenRead);
 }
 
 std::vector<std::pair<QString, int>> XpvtView::insertColumns() {
@@ -199,22 +154,11 @@ void XpvtView::getTextColors(std::vector<QColor>& colors) {
     colors = {QColor(0, 0, 0xFF), QColor(0, 0x80, 0), QColor(0, 0, 0), QColor(0xFF, 0, 0)};
 }
 
-void XpvtView::getListFont(QFont& font) {
-    font = QFont(QStringLiteral("MS Sans Serif"));
-    font.setStyleHint(QFont::SansSerif);
-    font.setPixelSize(12);
-    font.setWeight(QFont::Medium);
-}
-
 void XpvtView::getColumnAlignments(std::vector<TextAlignment>& alignments) {
     alignments.assign(is702() ? 11 : 9, TextAlignment::Left);
     alignments[1] = TextAlignment::Right;
     if (is702())
         alignments[5] = TextAlignment::Right;
-}
-
-void XpvtView::loadImages(std::array<QPixmap, 2>& images) {
-    images = DefaultMarkImages();
 }
 
 void XpvtView::loadContextMenu(QMenu& menu) {
@@ -227,16 +171,6 @@ void XpvtView::loadContextMenu(QMenu& menu) {
         action->setData(item.id);
         action->setCheckable(true);
     }
-}
-
-// Export and printing of process value traces come later: the proxies keep no target
-// and refuse.
-void XpvtView::bindConversion(ConversionProxy& proxy) {
-    proxy.setTarget(nullptr);
-}
-
-void XpvtView::bindPrint(PrintPrintPreviewProxy& proxy) {
-    proxy.setTarget(nullptr);
 }
 
 void XpvtView::updateContextMenu(QMenu& menu) {
@@ -287,81 +221,6 @@ void XpvtView::fillColumnsMenu(QMenu* columns) {
     connect(columns, &QMenu::aboutToShow, this, &AdornedListView::updateCommands, Qt::UniqueConnection);
     columns->setEnabled(!columns->actions().isEmpty());
     updateCommands();
-}
-
-// A paint while the search marks rows on its thread shows blank rows; the search's end
-// paints them again.
-QString XpvtView::getDisplayText(int row, int field) {
-    if (m_uiDocument.isSearching())
-        return QString();
-    return QString::fromStdString(doc().container().columnText(row, field));
-}
-
-QString XpvtView::documentPathName() const {
-    return m_uiDocument.pathName();
-}
-
-void XpvtView::goTo(int id) {
-    BoxMessageSink boxes(this);
-    const std::optional<int> row =
-        doc().goTo(static_cast<XpvtDoc::GoToCommand>(id), selectionMark(), itemCount(), &boxes);
-    if (row)
-        selectListRow(*row);
-}
-
-bool XpvtView::noRowSelected() {
-    if (selectionMark() != -1)
-        return false;
-    Boxes::instance().show(this, QString(), QString::fromUtf8(XpvtDoc::NoRowSelectedText), QMessageBox::Critical);
-    return true;
-}
-
-void XpvtView::toggleBookmark() {
-    if (noRowSelected())
-        return;
-    const int row = selectionMark();
-    if (doc().isBookmarked(row))
-        doc().removeBookmark(row);
-    else
-        doc().addBookmark(row, AutobookmarkText, AutobookmarkText);
-}
-
-void XpvtView::toggleBookmarkWithDialog() {
-    if (noRowSelected())
-        return;
-    const int row = selectionMark();
-    if (doc().isBookmarked(row)) {
-        doc().removeBookmark(row);
-        return;
-    }
-    std::string name;
-    std::string description;
-    if (RunBookmarkInfo(this, name, description))
-        doc().addBookmark(row, name, description);
-}
-
-QAction* XpvtView::commandAction(ViewCommand command) {
-    switch (command) {
-    case ViewCommand::Print: return commandActionById(PrintId);
-    case ViewCommand::PrintPreview: return commandActionById(PrintPreviewId);
-    case ViewCommand::SaveAs: return commandActionById(SaveAsId);
-    case ViewCommand::SessionInfo: return commandActionById(SessionInformationId);
-    case ViewCommand::Find: return commandActionById(FindId);
-    case ViewCommand::FindNext: return commandActionById(FindNextId);
-    case ViewCommand::FindPrevious: return commandActionById(FindPreviousId);
-    case ViewCommand::ToggleBookmark: return commandActionById(ToggleBookmarkId);
-    case ViewCommand::ToggleNamedBookmark: return commandActionById(ToggleBookmarkDialogId);
-    case ViewCommand::NextBookmark: return commandActionById(NextBookmarkId);
-    case ViewCommand::PreviousBookmark: return commandActionById(PreviousBookmarkId);
-    case ViewCommand::ClearBookmarks: return commandActionById(ClearBookmarksId);
-    case ViewCommand::BookmarkList: return commandActionById(BookmarkListId);
-    case ViewCommand::Filter: return commandActionById(DocumentFilterId);
-    default: return nullptr;
-    }
-}
-
-void XpvtView::activateView() {
-    m_uiDocument.refreshStatus();
 }
 
 }  // namespace zdtui

@@ -1,8 +1,8 @@
 #include "SnapshotGenerator.h"
 
-#include <gtest/gtest.h>
+#include "support/ExpatCollector.h"
 
-#include <expat.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>
@@ -11,86 +11,10 @@
 #include <string>
 #include <vector>
 
+using namespace expatcollect;
 using namespace zdtgen;
 
 namespace {
-
-// What Expat reports, element by element, with each element's own text joined.
-struct XmlElement {
-    std::string name;
-    std::string parent; // empty for the root
-    std::map<std::string, std::string> attributes;
-    std::string text; // the element's own character data, all callbacks joined
-    int textCallbacks = 0;
-    int depth = 0;
-};
-
-struct ParseResult {
-    XML_Error error = XML_ERROR_NONE;
-    std::vector<XmlElement> elements; // in document order of their start tags
-    // One entry per start ('+') and end ('-') tag: the order of events a reader sees.
-    std::vector<std::pair<char, std::size_t>> events;
-    int maxDepth = 0;
-};
-
-class ExpatCollector {
-public:
-    ParseResult Parse(const std::string& xml) {
-        XML_Parser parser = XML_ParserCreate(nullptr);
-        XML_SetUserData(parser, this);
-        XML_SetElementHandler(parser, &ExpatCollector::OnStart, &ExpatCollector::OnEnd);
-        XML_SetCharacterDataHandler(parser, &ExpatCollector::OnText);
-        // The viewer's read size, so texts split at block boundaries as they will there.
-        const std::size_t block = 10240;
-        for (std::size_t offset = 0;; offset += block) {
-            const std::size_t count = std::min(block, xml.size() - std::min(offset, xml.size()));
-            const bool final = count < block;
-            if (XML_Parse(parser, xml.data() + offset, static_cast<int>(count), final) == XML_STATUS_ERROR) {
-                m_result.error = XML_GetErrorCode(parser);
-                break;
-            }
-            if (final)
-                break;
-        }
-        XML_ParserFree(parser);
-        return std::move(m_result);
-    }
-
-private:
-    static void OnStart(void* data, const XML_Char* name, const XML_Char** attributes) {
-        auto& self = *static_cast<ExpatCollector*>(data);
-        XmlElement element;
-        element.name = name;
-        element.parent = self.m_open.empty() ? "" : self.m_result.elements[self.m_open.back()].name;
-        for (int i = 0; attributes[i] != nullptr; i += 2)
-            element.attributes.emplace(attributes[i], attributes[i + 1]);
-        element.depth = static_cast<int>(self.m_open.size()) + 1;
-        self.m_result.maxDepth = std::max(self.m_result.maxDepth, element.depth);
-        self.m_open.push_back(self.m_result.elements.size());
-        self.m_result.events.emplace_back('+', self.m_result.elements.size());
-        self.m_result.elements.push_back(std::move(element));
-    }
-    static void OnEnd(void* data, const XML_Char*) {
-        auto& self = *static_cast<ExpatCollector*>(data);
-        self.m_result.events.emplace_back('-', self.m_open.back());
-        self.m_open.pop_back();
-    }
-    static void OnText(void* data, const XML_Char* text, int length) {
-        auto& self = *static_cast<ExpatCollector*>(data);
-        if (self.m_open.empty())
-            return;
-        auto& element = self.m_result.elements[self.m_open.back()];
-        element.text.append(text, static_cast<std::size_t>(length));
-        ++element.textCallbacks;
-    }
-
-    ParseResult m_result;
-    std::vector<std::size_t> m_open;
-};
-
-ParseResult ParseXml(const std::string& xml) {
-    return ExpatCollector().Parse(xml);
-}
 
 struct Rows {
     std::string dateTime;
@@ -234,7 +158,7 @@ TEST(SnapshotGenerator, NormalFileHoldsEveryElementAndAttributeOfTheFormat) {
     std::set<std::string> attributes;
     bool valueWithoutUnit = false, emptyValue = false, snapshotWithoutCreated = false, bareSnapshot = false;
     for (const auto& e : parsed.elements) {
-        seen.emplace(e.parent, e.name);
+        seen.emplace(parsed.ParentName(e), e.name);
         for (const auto& [name, value] : e.attributes)
             attributes.insert(e.name + "@" + name);
         if (e.name == "ProcessValue") {
@@ -360,7 +284,7 @@ TEST(SnapshotGenerator, UnknownElementsAndMisplacedNamesGiveNoRows) {
     std::set<std::string> parentsOfUnknown;
     for (const auto& e : parsed.elements)
         if (e.name == "VendorData" || e.name == "Diagnostics" || e.name == "Header")
-            parentsOfUnknown.insert(e.parent);
+            parentsOfUnknown.insert(parsed.ParentName(e));
     EXPECT_EQ(parentsOfUnknown, (std::set<std::string>{"SnapList", "SnapShot", "LogicalLink"}));
     // The rows of the normal content are still all there.
     SnapshotOptions plain = Hostile([](SnapshotHostile&) {});

@@ -203,6 +203,12 @@ TEST(Xpvt701Rows, PdusOfOneRequestJoinUpSinceTheRequestClearsNothing) {
     EXPECT_EQ(rows[1][6], "10");
     EXPECT_EQ(rows[2][6], "1020");
     EXPECT_EQ(rows[3][5], "AB");
+    // The same in a response: a later "NO PDU" has joined the earlier text, so it is no
+    // longer the empty marker and is cut like any text ("D" of "PDU" is a hex digit).
+    const auto joined = rowsOf701("<ZdtResult><ZdtResponse><PDU>0A</PDU><PDU>NO PDU</PDU></ZdtResponse></ZdtResult>");
+    ASSERT_EQ(joined.size(), 3u);
+    EXPECT_EQ(joined[1][6], "0A D ");
+    EXPECT_EQ(joined[2][6], "D ");
 }
 
 // --- response parameter nesting ---------------------------------------------------------

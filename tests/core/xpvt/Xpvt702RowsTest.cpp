@@ -1,4 +1,5 @@
 #include "XpvtTestFiles.h"
+#include "xpvt/ConsumerFindInterface.h"
 
 #include <gtest/gtest.h>
 
@@ -108,6 +109,41 @@ TEST(Xpvt702RowsTest, PrimitiveRowsComeAtItsStartWithTheParentChain) {
         row('2', "  DiagComPrimitive", "", "", "3", "", "Job:Job", "s"),
     };
     EXPECT_EQ(rows, expected);
+}
+
+// A chain that is there but unprintable still calls for its "Called by" row; the rows
+// show it cleaned, so the next primitive of the same element finds it empty. The
+// search must count that row too.
+TEST(Xpvt702RowsTest, UnprintableParentChainStillGetsItsCalledByRow) {
+    OpenedTrace trace(trace702(R"(
+<StartDiagComPrimitive><ParentDiagComPrimitives><DiagComPrimitive ShortName="&#x7F;"/></ParentDiagComPrimitives>
+  <DiagComPrimitive ShortName="A" ID="1" ObjectType="S"/><DiagComPrimitive ShortName="B"/></StartDiagComPrimitive>
+<Result><ParentDiagComPrimitives><DiagComPrimitive ShortName="&#9;xyz"/></ParentDiagComPrimitives>
+  <DiagComPrimitive ShortName="R"/></Result>
+<StopTrace/>)"));
+    ASSERT_TRUE(trace.opened);
+    const std::vector<Fields> expected = {
+        row('1', "Start [S]", "", "", "1", "", "", "A"),
+        row('2', "   Called by", "", "", "", "", "", ""),
+        row('2', "  DiagComPrimitive", "", "", "1", "", "A:S", ""),
+        row('1', "Start [S]", "", "", "1", "", "", "AB"),
+        row('2', "  DiagComPrimitive", "", "", "1", "", "AB:S", ""),
+        // The cut counts the chain as shown: "xyz" loses all three.
+        row('2', "Result []", "", "", "", "", "", ""),
+        row('2', "   Called by", "", "", "", "", "", "xyz"),
+        row('2', "  DiagComPrimitive", "", "", "", "", "R:", ""),
+        row('2', "Stop Trace", "", "", "", "", "", ""),
+    };
+    EXPECT_EQ(trace.rows(), expected);
+
+    ZDTAnalyzer::XpvtFindCriteria702 criteria;
+    ZDTAnalyzer::Xpvt::ConsumerFindInterface consumer;
+    consumer.document = &trace.doc;
+    consumer.criteria702 = &criteria;
+    ZDTAnalyzer::Xpvt::FindContext context(&consumer);
+    ZDTAnalyzer::Xpvt::FindParser parser;
+    parser.parse(trace.path.c_str(), context);
+    EXPECT_EQ(consumer.row, static_cast<int>(expected.size()));
 }
 
 TEST(Xpvt702RowsTest, RequestMessageRowsComeBeforeTheFirstParameterAndNotAgain) {

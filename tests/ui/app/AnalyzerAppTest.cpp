@@ -10,6 +10,7 @@
 #include "app/HelpWindow.h"
 #include "snp/SnpUiDocument.h"
 #include "xpvt/XpvtUiDocument.h"
+#include "ui/IsolatedTestMain.h"
 #include "ui/MenuLookup.h"
 
 #include <QAction>
@@ -626,14 +627,7 @@ private slots:
 };
 
 int main(int argc, char* argv[]) {
-    // Settings and temporary directories of this run stay in a folder of their own.
-    QTemporaryDir home;
-    qputenv("XDG_CONFIG_HOME", QDir(home.path()).filePath("config").toUtf8());
-    qputenv("ZDT_ANALYZER_HOME", QDir(home.path()).filePath("analyzer").toUtf8());
-    qunsetenv("ZDT_BRAND");
-    QApplication application(argc, argv);
-    AnalyzerAppTest test;
-    return QTest::qExec(&test, argc, argv);
+    return RunIsolatedTest<AnalyzerAppTest>(argc, argv);
 }
 
 #include "AnalyzerAppTest.moc"

@@ -5,6 +5,7 @@
 #include "app/CMainFrame.h"
 #include "app/MenuResources.h"
 #include "ui/MenuLookup.h"
+#include "ui/IsolatedTestMain.h"
 #include "ui/RecordingBoxes.h"
 
 #include <QAction>
@@ -95,13 +96,7 @@ private slots:
 };
 
 int main(int argc, char* argv[]) {
-    QTemporaryDir home;
-    qputenv("XDG_CONFIG_HOME", QDir(home.path()).filePath("config").toUtf8());
-    qputenv("ZDT_ANALYZER_HOME", QDir(home.path()).filePath("analyzer").toUtf8());
-    qunsetenv("ZDT_BRAND");
-    QApplication application(argc, argv);
-    ClassicMenuTest test;
-    return QTest::qExec(&test, argc, argv);
+    return RunIsolatedTest<ClassicMenuTest>(argc, argv);
 }
 
 #include "ClassicMenuTest.moc"

@@ -4,6 +4,7 @@
 #include "snp/SnpDocInUi.h"
 
 #include "ui/MenuLookup.h"
+#include "ui/IsolatedTestMain.h"
 #include "ui/RecordingBoxes.h"
 #include "SnapshotGenerator.h"
 #include "app/CAnalyzerApp.h"
@@ -445,13 +446,6 @@ private slots:
 };
 
 int main(int argc, char* argv[]) {
-    // Settings and temporary directories of this run stay in a folder of their own.
-    QTemporaryDir home;
-    qputenv("XDG_CONFIG_HOME", QDir(home.path()).filePath("config").toUtf8());
-    qputenv("ZDT_ANALYZER_HOME", QDir(home.path()).filePath("analyzer").toUtf8());
-    qunsetenv("ZDT_BRAND");
-    QApplication application(argc, argv);
-    SnpViewTest test;
-    return QTest::qExec(&test, argc, argv);
+    return RunIsolatedTest<SnpViewTest>(argc, argv);
 }
 #include "SnpViewTest.moc"

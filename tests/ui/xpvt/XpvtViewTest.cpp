@@ -3,6 +3,7 @@
 // commands' boxes, find per schema, the session dialog and a cancelled open.
 #include "xpvt/XpvtDocInUi.h"
 
+#include "ui/IsolatedTestMain.h"
 #include "ui/RecordingBoxes.h"
 #include "XpvtTraceGenerator.h"
 #include "app/CAnalyzerApp.h"
@@ -521,5 +522,8 @@ private slots:
     }
 };
 
-QTEST_MAIN(XpvtViewTest)
+int main(int argc, char* argv[]) {
+    return RunIsolatedTest<XpvtViewTest>(argc, argv);
+}
+
 #include "XpvtViewTest.moc"
