@@ -307,13 +307,17 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
+CChildFrame* CMainFrame::activeChild() const {
+    return qobject_cast<CChildFrame*>(m_activeChild.data());
+}
+
 void CMainFrame::onSubWindowActivated(QMdiSubWindow* window) {
     // A null window also comes while the frame itself loses the focus; the current
     // window is what counts.
     auto* child = qobject_cast<CChildFrame*>(window != nullptr ? window : m_mdiArea->currentSubWindow());
     if (child != nullptr && child->isHidden())
         child = nullptr;
-    if (child == m_activeChild)
+    if (child == m_activeChild.data())
         return;
     m_activeChild = child;
     CommandView* view = child != nullptr ? child->commandView() : nullptr;
@@ -323,12 +327,13 @@ void CMainFrame::onSubWindowActivated(QMdiSubWindow* window) {
 }
 
 void CMainFrame::refreshCommands() {
-    CommandView* view = m_activeChild != nullptr ? m_activeChild->commandView() : nullptr;
+    CChildFrame* active = activeChild();
+    CommandView* view = active != nullptr ? active->commandView() : nullptr;
     undressViewActions();
     rebuildMenus(view);
     rebuildToolBar(m_mainToolBar, MainToolBarResource, view);
     rebuildToolBar(m_bookmarkToolBar, BookmarkToolBarResource, view);
-    m_frameActions.value(FrameCommand::FileClose)->setEnabled(m_activeChild != nullptr);
+    m_frameActions.value(FrameCommand::FileClose)->setEnabled(active != nullptr);
     updateTitle();
 }
 
@@ -459,7 +464,7 @@ void CMainFrame::fillWindowList(QMenu* menu, int fixedActions) {
         CChildFrame* frame = frames[i];
         QAction* action = menu->addAction(QStringLiteral("&%1 %2").arg(i + 1).arg(frame->windowTitle()));
         action->setCheckable(true);
-        action->setChecked(frame == m_activeChild);
+        action->setChecked(frame == m_activeChild.data());
         connect(action, &QAction::triggered, this, [this, frame = QPointer<CChildFrame>(frame)] {
             if (frame != nullptr)
                 m_mdiArea->setActiveSubWindow(frame);
@@ -471,8 +476,9 @@ void CMainFrame::fillWindowList(QMenu* menu, int fixedActions) {
 // in a window of its own adds its caption here.
 void CMainFrame::updateTitle() {
     const QString title = Text(m_edition.applicationTitle);
-    const bool addCaption = m_activeChild != nullptr && !m_activeChild->isMaximized();
-    setWindowTitle(addCaption ? title + QStringLiteral(" - ") + m_activeChild->windowTitle() : title);
+    CChildFrame* active = activeChild();
+    const bool addCaption = active != nullptr && !active->isMaximized();
+    setWindowTitle(addCaption ? title + QStringLiteral(" - ") + active->windowTitle() : title);
 }
 
 } // namespace zdtui

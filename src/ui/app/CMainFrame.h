@@ -104,7 +104,10 @@ private:
     // The active view's actions, which carry this frame's shortcuts while they are active.
     QList<QPointer<QAction>> m_dressedViewActions;
     QList<QMenu*> m_menus;
-    QPointer<CChildFrame> m_activeChild;
+    // Kept as a plain QObject: the window may be half destroyed (down to its
+    // QMdiSubWindow part) when the area reports the next activation.
+    QPointer<QObject> m_activeChild;
+    CChildFrame* activeChild() const;
     int m_menuResourceShown = 0;
     bool m_closePending = false;
     bool m_closeQueued = false;
