@@ -32,19 +32,12 @@ done
 build_dir="${build_dir:-/work/main/build}"
 scratch_dir="${scratch_dir:-${TMPDIR:-/tmp}}"
 
-find_tool() {
-    for candidate in "$build_dir/$1" "$build_dir/bench/$1"; do
-        if [ -x "$candidate" ]; then echo "$candidate"; return 0; fi
-    done
-    echo "run_classic_bench.sh: $1 not found in $build_dir; build it first" >&2
-    exit 2
-}
+. "$(dirname "$0")/bench_tools.sh"
 zdt_gen=$(find_tool zdt-gen)
 zdt_cli=$(find_tool zdt-cli)
 bench=$(find_tool bench_classic)
 
-data_dir=$(mktemp -d "$scratch_dir/zdt-classic-bench.XXXXXX")
-trap 'rm -rf "$data_dir"' EXIT INT TERM
+make_data_dir zdt-classic-bench
 
 # A bus log of about 57 bytes a line: schema 601, ZDT title, mostly CAN frames.
 echo "generating 1 GiB trace in $data_dir"

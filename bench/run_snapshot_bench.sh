@@ -33,18 +33,11 @@ done
 build_dir="${build_dir:-/work/main/build}"
 scratch_dir="${scratch_dir:-${TMPDIR:-/tmp}}"
 
-find_tool() {
-    for candidate in "$build_dir/$1" "$build_dir/bench/$1"; do
-        if [ -x "$candidate" ]; then echo "$candidate"; return 0; fi
-    done
-    echo "run_snapshot_bench.sh: $1 not found in $build_dir; build it first" >&2
-    exit 2
-}
+. "$(dirname "$0")/bench_tools.sh"
 zdt_gen=$(find_tool zdt-gen)
 bench=$(find_tool bench_snapshot)
 
-data_dir=$(mktemp -d "$scratch_dir/zdt-snapshot-bench.XXXXXX")
-trap 'rm -rf "$data_dir"' EXIT INT TERM
+make_data_dir zdt-snapshot-bench
 
 # A well-formed, indented snapshot list; the rows file is what the document must list.
 echo "generating 500 MB snapshot file in $data_dir"

@@ -34,18 +34,11 @@ build_dir="${build_dir:-/work/main/build}"
 size="${size:-500M}"
 scratch_dir="${scratch_dir:-${TMPDIR:-/tmp}}"
 
-find_tool() {
-    for candidate in "$build_dir/$1" "$build_dir/bench/$1"; do
-        if [ -x "$candidate" ]; then echo "$candidate"; return 0; fi
-    done
-    echo "run_xpvt_bench.sh: $1 not found in $build_dir; build it first" >&2
-    exit 2
-}
+. "$(dirname "$0")/bench_tools.sh"
 zdt_gen=$(find_tool zdt-gen)
 bench=$(find_tool bench_xpvt)
 
-data_dir=$(mktemp -d "$scratch_dir/zdt-xpvt-bench.XXXXXX")
-trap 'rm -rf "$data_dir"' EXIT INT TERM
+make_data_dir zdt-xpvt-bench
 
 # Well-formed, indented traces of every element of their tree, with the header first.
 echo "generating $size traces (7.02 and 7.01) in $data_dir"

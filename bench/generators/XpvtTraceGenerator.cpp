@@ -564,7 +564,7 @@ struct XpvtTraceGenerator::State {
         if (random.OneIn(2)) {
             Leaf("VendorCode", "0x" + Decimal(random.Below(100)));
             if (!random.OneIn(3))
-                Leaf("VendorCodeDescription", "Vendor specific failure");
+                Leaf("VendorCodeDescription", "Vendor defined failure");
         }
         x.Close();
     }

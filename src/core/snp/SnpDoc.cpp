@@ -21,18 +21,9 @@ SnpDoc::~SnpDoc() {
 bool SnpDoc::OnOpenDocument(const std::string& path, const std::string& swapDirectory, zdt::MessageSink* messages,
                             zdt::ProgressSink* progress) {
     m_pathName = path;
-    return runGuardedPass<Snp::UserInterfaceParser>(
-        messages, OpenFailedText,
-        [&] {
-            container().createSwapFile(swapDirectory);
-            m_consumer.document = this;
-            m_context.consumer = &m_consumer;
-            m_parser.parse(m_pathName.c_str(), m_context,
-                           progressOf<Snp::UserInterfaceParser>(progress, m_pathName));
-            // Buffered rows go on file now, so that a full disk fails the open.
-            container().flush();
-        },
-        [] {});
+    m_consumer.document = this;
+    m_context.consumer = &m_consumer;
+    return parseIntoRows(m_parser, m_context, m_pathName, swapDirectory, OpenFailedText, messages, progress);
 }
 
 SnpDoc::SessionInformationDialog SnpDoc::sessionInformation() const {

@@ -1,6 +1,5 @@
 #include "xmldoc/BaseDoc.h"
 
-#include "xmldoc/GuardedPass.h"
 
 #include <algorithm>
 #include <climits>

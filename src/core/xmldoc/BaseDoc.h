@@ -2,6 +2,7 @@
 
 #include "common/UserMessage.h"
 #include "xmldoc/FileContainer.h"
+#include "xmldoc/GuardedPass.h"
 #include "xmldoc/ProxyBookmarkArray.h"
 
 #include <functional>
@@ -118,6 +119,25 @@ public:
     bool canShowBookmarkList() const { return !m_bookmarks.empty(); }
     // A copy of the bookmarks, in order, for the bookmark list.
     std::vector<Bookmark> bookmarkCopy() const;
+
+protected:
+    // The open of every XML document: a fresh swap file in `swapDirectory`, one parse of
+    // `path` through `parser` (whose context already points at the document's consumer),
+    // then the buffered rows put on file, so that a full disk fails the open. Failures are
+    // shown as runGuardedPass shows them, anything unknown as `failedText`.
+    template <typename Parser>
+    bool parseIntoRows(Parser& parser, typename Parser::Context& context, const std::string& path,
+                       const std::string& swapDirectory, const char* failedText, zdt::MessageSink* messages,
+                       zdt::ProgressSink* progress) {
+        return runGuardedPass<Parser>(
+            messages, failedText,
+            [&] {
+                m_container.createSwapFile(swapDirectory);
+                parser.parse(path.c_str(), context, progressOf<Parser>(progress, path));
+                m_container.flush();
+            },
+            [] {});
+    }
 
 private:
     // Reads the row, puts `mark` at `position` and writes the row back when it is

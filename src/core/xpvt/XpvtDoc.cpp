@@ -42,19 +42,10 @@ XpvtDoc::~XpvtDoc() {
 bool XpvtDoc::OnOpenDocument(const std::string& path, const std::string& swapDirectory, zdt::MessageSink* messages,
                              zdt::ProgressSink* progress) {
     m_pathName = path;
-    return runGuardedPass<Xpvt::UserInterfaceParser>(
-        messages, OpenFailedText,
-        [&] {
-            container().createSwapFile(swapDirectory);
-            m_consumer.document = this;
-            m_context.consumer = &m_consumer;
-            // Every file starts on the 7.01 tables; the header may switch them while reading.
-            m_parser.parse(m_pathName.c_str(), m_context,
-                           progressOf<Xpvt::UserInterfaceParser>(progress, m_pathName));
-            // Buffered rows go on file now, so that a full disk fails the open.
-            container().flush();
-        },
-        [] {});
+    m_consumer.document = this;
+    m_context.consumer = &m_consumer;
+    // Every file starts on the 7.01 tables; the header may switch them while reading.
+    return parseIntoRows(m_parser, m_context, m_pathName, swapDirectory, OpenFailedText, messages, progress);
 }
 
 void XpvtDoc::installSchemaTables() {

@@ -7,6 +7,7 @@
 #include "app/CMainFrame.h"
 #include "app/DocumentRoute.h"
 #include "app/HelpWindow.h"
+#include "app/WaitCursor.h"
 #include "snp/SnpTemplate.h"
 #include "xpvt/XpvtTemplate.h"
 
@@ -37,15 +38,6 @@ void ShowMessage(QWidget* parent, const zdt::UserMessage& message) {
     Boxes::instance().show(parent, QString::fromStdString(message.title), QString::fromStdString(message.text),
                            ToQtIcon(message.icon));
 }
-
-// The wait cursor for the length of a scope.
-class WaitCursor {
-public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-};
 
 } // namespace
 

@@ -10,7 +10,7 @@
 #include "classic/ClassicReport.h"
 #include "classic/ClassicViewLayout.h"
 #include "classic/SbtExportDialog.h"
-#include "classic/WaitCursor.h"
+#include "app/WaitCursor.h"
 
 #include <QAction>
 #include <QApplication>

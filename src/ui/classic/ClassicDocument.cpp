@@ -6,10 +6,10 @@
 #include "classic/CanFilterDialogPrompt.h"
 #include "classic/ClassicReport.h"
 #include "classic/ClassicViewLayout.h"
-#include "classic/CollectedMessages.h"
-#include "classic/ProgressRunner.h"
+#include "app/CollectedMessages.h"
+#include "app/ProgressRunner.h"
 #include "classic/StyleDialogs.h"
-#include "classic/WaitCursor.h"
+#include "app/WaitCursor.h"
 
 #include <QFile>
 #include <QProgressDialog>

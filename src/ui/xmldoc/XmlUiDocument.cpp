@@ -1,8 +1,8 @@
 #include "xmldoc/XmlUiDocument.h"
 
 #include "app/CAnalyzerApp.h"
-#include "classic/CollectedMessages.h"
-#include "classic/ProgressRunner.h"
+#include "app/CollectedMessages.h"
+#include "app/ProgressRunner.h"
 #include "xmldoc/BaseDoc.h"
 #include "xmldoc/IncrementalOpen.h"
 #include "xmldoc/XmlListView.h"

@@ -1,4 +1,4 @@
-#include "classic/ProgressRunner.h"
+#include "app/ProgressRunner.h"
 
 #include <QEventLoop>
 #include <QProgressDialog>

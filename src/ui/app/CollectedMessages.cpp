@@ -1,4 +1,4 @@
-#include "classic/CollectedMessages.h"
+#include "app/CollectedMessages.h"
 
 #include "app/Boxes.h"
 
