@@ -3,7 +3,9 @@
 //   2. peak and resident memory of a process that only opens the trace
 //      <= 50 MB + 20 bytes per record;
 //   3. `zdt-cli rows FILE > /dev/null` speed >= 1/10 of the index pass speed;
-//   4. (--big) a trace above 4 GiB: record count and the last record read back.
+//   4. (--big) a trace above 4 GiB: record count and the last record read back;
+//   5. (--mixed) `zdt-cli info` speed >= 1/5 of `wc -l` on a trace of short lines that mixes
+//      every record type, where the index pass does the most work per byte.
 // The traces and their summaries come from `zdt-gen classic ... --summary` (see
 // run_classic_bench.sh). Exit status 1 when a figure misses its target, 2 on usage errors.
 
@@ -29,6 +31,7 @@ using namespace benchsupport;
 
 constexpr double kIndexToWcTarget = 0.25;
 constexpr double kRowsToIndexTarget = 0.10;
+constexpr double kMixedInfoToWcTarget = 0.20;
 constexpr double kMemoryBaseBytes = 50.0 * kMegabyte;
 constexpr double kMemoryBytesPerRecord = 20.0;
 
@@ -83,13 +86,15 @@ struct Options {
     std::string cli;
     std::string bigTrace;
     std::string bigSummary;
+    std::string mixedTrace;
+    std::string mixedSummary;
     int runs = 3;
 };
 
-double MeasureWc(const Options& o, double bytes, Verdicts& verdicts) {
+double MeasureWc(const std::string& path, int runs, double bytes, Verdicts& verdicts) {
     double best = 0;
-    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
-        const ChildRun run = RunProgram({"wc", "-l", o.trace}, false);
+    const bool ok = BestOf(runs, best, [&](double& seconds) {
+        const ChildRun run = RunProgram({"wc", "-l", path}, false);
         seconds = run.seconds;
         return run.exitCode == 0;
     });
@@ -97,7 +102,7 @@ double MeasureWc(const Options& o, double bytes, Verdicts& verdicts) {
         verdicts.Check("wc -l", false, "could not run wc -l");
         return 0;
     }
-    std::cout << "wc -l:         " << Speed(bytes, best) << " (best of " << o.runs << ")\n";
+    std::cout << "wc -l:         " << Speed(bytes, best) << " (best of " << runs << ")\n";
     return bytes / best;
 }
 
@@ -118,8 +123,7 @@ double MeasureIndexPass(const Options& o, const Summary& summary, double bytes, 
     if (!ok)
         return 0;
     std::cout << "index pass:    " << Speed(bytes, best) << " (best of " << o.runs << "), " << count
-              << " records, IndexBytes " << Verdicts::Format(static_cast<double>(indexBytes) / kMegabyte, 1)
-              << " MB\n";
+              << " records, IndexBytes " << Verdicts::Format(static_cast<double>(indexBytes) / kMegabyte, 1) << " MB\n";
     verdicts.Check("index pass record count", count == summary.records,
                    std::to_string(count) + " indexed, " + std::to_string(summary.records) + " written");
     return bytes / best;
@@ -177,6 +181,42 @@ std::string Describe(const CTraceItemI& item) {
     return text.str();
 }
 
+// The "No.Items:" figure of `zdt-cli info`, or -1 when it prints none.
+long long InfoItemCount(const std::string& output) {
+    const std::string key = "No.Items: ";
+    const auto at = output.find(key);
+    return at == std::string::npos ? -1 : std::atoll(output.c_str() + at + key.size());
+}
+
+void MeasureMixedInfo(const Options& o, Verdicts& verdicts) {
+    Summary summary;
+    if (!ReadSummary(o.mixedSummary, summary)) {
+        verdicts.Check("mixed trace", false, "cannot read " + o.mixedSummary);
+        return;
+    }
+    const double bytes = static_cast<double>(WarmPageCache(o.mixedTrace));
+    std::cout << "mixed trace: " << o.mixedTrace << ", " << Verdicts::Format(bytes / kMegabyte, 1) << " MB, "
+              << summary.records << " records, " << Verdicts::Format(bytes / summary.records, 1) << " bytes a line\n";
+    const double wcSpeed = MeasureWc(o.mixedTrace, o.runs, bytes, verdicts);
+    double best = 0;
+    ChildRun last;
+    const bool ok = BestOf(o.runs, best, [&](double& seconds) {
+        last = RunProgram({o.cli, "info", o.mixedTrace}, true);
+        seconds = last.seconds;
+        return last.exitCode == 0;
+    });
+    if (!ok) {
+        verdicts.Check("zdt-cli info on the mixed trace", false, "exit status " + std::to_string(last.exitCode));
+        return;
+    }
+    std::cout << "zdt-cli info:  " << Speed(bytes, best) << " (best of " << o.runs << ")\n";
+    const long long items = InfoItemCount(last.output);
+    verdicts.Check("zdt-cli info item count", items == static_cast<long long>(summary.records),
+                   std::to_string(items) + " listed, " + std::to_string(summary.records) + " written");
+    if (wcSpeed > 0)
+        verdicts.Ratio("zdt-cli info / wc -l speed, mixed short lines", bytes / best / wcSpeed, kMixedInfoToWcTarget);
+}
+
 void CheckBeyond4GiB(const Options& o, Verdicts& verdicts) {
     Summary summary;
     if (!ReadSummary(o.bigSummary, summary)) {
@@ -217,24 +257,35 @@ void CheckBeyond4GiB(const Options& o, Verdicts& verdicts) {
 
 int Usage() {
     std::cerr << "usage: bench_classic --trace FILE --summary FILE --cli ZDT_CLI [--runs N]\n"
-                 "                     [--big FILE --big-summary FILE]\n"
+                 "                     [--big FILE --big-summary FILE] [--mixed FILE --mixed-summary FILE]\n"
                  "       bench_classic --open-only FILE\n";
     return 2;
 }
 
 bool ParseOptions(int argc, char** argv, Options& o) {
     const bool known = ParseValueOptions(argc, argv, [&o](const std::string& name, const std::string& value) {
-        if (name == "--trace") o.trace = value;
-        else if (name == "--summary") o.summary = value;
-        else if (name == "--cli") o.cli = value;
-        else if (name == "--big") o.bigTrace = value;
-        else if (name == "--big-summary") o.bigSummary = value;
-        else if (name == "--runs") o.runs = RunsOption(value);
-        else return false;
+        if (name == "--trace")
+            o.trace = value;
+        else if (name == "--summary")
+            o.summary = value;
+        else if (name == "--cli")
+            o.cli = value;
+        else if (name == "--big")
+            o.bigTrace = value;
+        else if (name == "--big-summary")
+            o.bigSummary = value;
+        else if (name == "--mixed")
+            o.mixedTrace = value;
+        else if (name == "--mixed-summary")
+            o.mixedSummary = value;
+        else if (name == "--runs")
+            o.runs = RunsOption(value);
+        else
+            return false;
         return true;
     });
     return known && !o.trace.empty() && !o.summary.empty() && !o.cli.empty() &&
-           o.bigTrace.empty() == o.bigSummary.empty();
+           o.bigTrace.empty() == o.bigSummary.empty() && o.mixedTrace.empty() == o.mixedSummary.empty();
 }
 
 } // namespace
@@ -251,11 +302,10 @@ int main(int argc, char** argv) {
         return 2;
     }
     const double bytes = static_cast<double>(WarmPageCache(o.trace));
-    std::cout << "trace: " << o.trace << ", " << Verdicts::Format(bytes / kMegabyte, 1) << " MB, "
-              << summary.records << " records, " << Verdicts::Format(bytes / summary.records, 1)
-              << " bytes a line\n";
+    std::cout << "trace: " << o.trace << ", " << Verdicts::Format(bytes / kMegabyte, 1) << " MB, " << summary.records
+              << " records, " << Verdicts::Format(bytes / summary.records, 1) << " bytes a line\n";
     Verdicts verdicts;
-    const double wcSpeed = MeasureWc(o, bytes, verdicts);
+    const double wcSpeed = MeasureWc(o.trace, o.runs, bytes, verdicts);
     const double indexSpeed = MeasureIndexPass(o, summary, bytes, verdicts);
     if (wcSpeed > 0 && indexSpeed > 0)
         verdicts.Ratio("index pass / wc -l speed", indexSpeed / wcSpeed, kIndexToWcTarget);
@@ -263,6 +313,8 @@ int main(int argc, char** argv) {
     const double rowsSpeed = MeasureRows(o, bytes, verdicts);
     if (rowsSpeed > 0 && indexSpeed > 0)
         verdicts.Ratio("zdt-cli rows / index pass speed", rowsSpeed / indexSpeed, kRowsToIndexTarget);
+    if (!o.mixedTrace.empty())
+        MeasureMixedInfo(o, verdicts);
     if (!o.bigTrace.empty()) {
         WarmPageCache(o.bigTrace);
         CheckBeyond4GiB(o, verdicts);

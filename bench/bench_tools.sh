@@ -1,7 +1,10 @@
 # Shared by the run_*_bench.sh scripts (sourced): finding the built tools and the scratch
-# folder that is removed again however the run ends. Needs $build_dir and $scratch_dir.
+# folder that is removed again however the run ends. Uses $build_dir and $scratch_dir when
+# set; otherwise the repository's own build folder and $TMPDIR, else /tmp.
 
 bench_script=$(basename "$0")
+build_dir="${build_dir:-$(cd "$(dirname "$0")/.." && pwd)/build}"
+scratch_dir="${scratch_dir:-${TMPDIR:-/tmp}}"
 
 # Prints the path of a built tool, or stops the script when it was not built.
 find_tool() {

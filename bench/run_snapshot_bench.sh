@@ -3,7 +3,8 @@
 # file and the swap files.
 #
 # usage: run_snapshot_bench.sh [BUILD_DIR] [SCRATCH_DIR] [--runs N] [--samples N]
-#   BUILD_DIR    a configured and built tree (default /work/main/build); nothing is built here
+#   BUILD_DIR    a configured and built tree (default build/ of this repository);
+#                nothing is built here
 #   SCRATCH_DIR  where the files go (default $TMPDIR, else /tmp); needs about 1.2 GB free:
 #                500 MB snapshot, its 320 MB rows file and a 330 MB swap file
 #   --runs N     timed runs per speed figure, the best one counts (default 3)
@@ -20,7 +21,7 @@ while [ $# -gt 0 ]; do
     case "$1" in
         --runs) shift; runs="$1" ;;
         --samples) shift; samples="$1" ;;
-        -h|--help) sed -n '2,12p' "$0"; exit 0 ;;
+        -h|--help) sed -n '2,13p' "$0"; exit 0 ;;
         -*) echo "run_snapshot_bench.sh: unknown option $1" >&2; exit 2 ;;
         *)
             if [ -z "$build_dir" ]; then build_dir="$1"
@@ -30,8 +31,6 @@ while [ $# -gt 0 ]; do
     esac
     shift
 done
-build_dir="${build_dir:-/work/main/build}"
-scratch_dir="${scratch_dir:-${TMPDIR:-/tmp}}"
 
 . "$(dirname "$0")/bench_tools.sh"
 zdt_gen=$(find_tool zdt-gen)

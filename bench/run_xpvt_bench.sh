@@ -3,7 +3,8 @@
 # them and the swap files.
 #
 # usage: run_xpvt_bench.sh [BUILD_DIR] [SIZE] [--scratch DIR] [--runs N]
-#   BUILD_DIR      a configured and built tree (default /work/main/build); nothing is built here
+#   BUILD_DIR      a configured and built tree (default build/ of this repository);
+#                  nothing is built here
 #   SIZE           size of each trace, suffix K, M or G (default 500M)
 #   --scratch DIR  where the files go (default $TMPDIR, else /tmp); needs about 2.5 times
 #                  SIZE free: both traces and the larger swap file
@@ -20,7 +21,7 @@ while [ $# -gt 0 ]; do
     case "$1" in
         --runs) shift; runs="$1" ;;
         --scratch) shift; scratch_dir="$1" ;;
-        -h|--help) sed -n '2,12p' "$0"; exit 0 ;;
+        -h|--help) sed -n '2,13p' "$0"; exit 0 ;;
         -*) echo "run_xpvt_bench.sh: unknown option $1" >&2; exit 2 ;;
         *)
             if [ -z "$build_dir" ]; then build_dir="$1"
@@ -30,9 +31,7 @@ while [ $# -gt 0 ]; do
     esac
     shift
 done
-build_dir="${build_dir:-/work/main/build}"
 size="${size:-500M}"
-scratch_dir="${scratch_dir:-${TMPDIR:-/tmp}}"
 
 . "$(dirname "$0")/bench_tools.sh"
 zdt_gen=$(find_tool zdt-gen)

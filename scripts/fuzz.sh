@@ -8,8 +8,13 @@ ZDT_WITH_FUZZ=1 "$root/scripts/install-deps.sh"
 CC=clang CXX=clang++ "$root/scripts/build.sh" "$root/build-fuzz" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DZDT_FUZZ=ON -DZDT_SANITIZE=ON -DZDT_BUILD_TESTS=OFF -DZDT_BUILD_BENCH=OFF -DZDT_BUILD_UI=OFF
 shopt -s nullglob
-for target in fuzz_classic_lines fuzz_classic_open fuzz_sax_engine fuzz_snp_parse fuzz_xpvt701_parse \
-    fuzz_xpvt702_parse; do
+# The same list the build reads; comments and empty lines skipped.
+targets=()
+while IFS= read -r name; do
+    case "$name" in '' | '#'*) continue ;; esac
+    targets+=("$name")
+done < "$root/fuzz/targets.txt"
+for target in "${targets[@]}"; do
     corpus="$root/fuzz/corpus-$target"
     mkdir -p "$corpus"
     # Seed with the bundled samples: whole files for the opens and parses, lines for the readers.
