@@ -16,21 +16,18 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string EnvironmentValue(const char* name)
-{
+std::string EnvironmentValue(const char* name) {
     const char* value = std::getenv(name);
     return value != nullptr ? value : std::string();
 }
 
-std::string WithoutTrailingSlash(std::string path)
-{
+std::string WithoutTrailingSlash(std::string path) {
     while (path.size() > 1 && path.back() == '/')
         path.pop_back();
     return path;
 }
 
-std::string ExecutableDirectory()
-{
+std::string ExecutableDirectory() {
     std::error_code error;
     const fs::path executable = fs::read_symlink("/proc/self/exe", error);
     if (error)
@@ -38,10 +35,73 @@ std::string ExecutableDirectory()
     return executable.parent_path().string();
 }
 
-// Writable, or creatable because the nearest existing ancestor is a writable directory.
-bool CanWriteOrCreate(const std::string& directory)
-{
+std::string UserHome() {
+    std::string home = EnvironmentValue("HOME");
+    if (home.empty()) {
+        if (const passwd* entry = getpwuid(getuid()); entry != nullptr && entry->pw_dir != nullptr)
+            home = entry->pw_dir;
+    }
+    return home;
+}
+
+std::string UserDataHome() {
+    // Relative values are invalid for XDG variables and are ignored.
+    const std::string xdg = EnvironmentValue("XDG_DATA_HOME");
+    if (!xdg.empty() && xdg.front() == '/')
+        return WithoutTrailingSlash(xdg);
+    return WithoutTrailingSlash(UserHome()) + "/.local/share";
+}
+
+void SeedRandomOnce() {
+    static const bool seeded = [] {
+        timeval now{};
+        gettimeofday(&now, nullptr);
+        std::srand(static_cast<unsigned>(now.tv_sec ^ now.tv_usec));
+        return true;
+    }();
+    (void)seeded;
+}
+
+bool IsDirectory(const std::string& path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+} // namespace
+
+const std::string& AnalyzerBinaryDir() {
+    static const std::string dir = WithoutTrailingSlash(ExecutableDirectory()) + "/Analyzer/";
+    return dir;
+}
+
+const std::string& AnalyzerTempRoot() {
+    static const std::string root = ResolveAnalyzerTempRoot(AnalyzerBinaryDir());
+    return root;
+}
+
+const std::string& AnalyzerFilterDefaultDir() {
+    static const std::string dir = ResolveAnalyzerDataDir(AnalyzerBinaryDir(), "FilterDefaultDir");
+    return dir;
+}
+
+std::string ResolveAnalyzerDataDir(const std::string& binaryDir, const std::string& name) {
+    const std::string home = EnvironmentValue("ZDT_ANALYZER_HOME");
+    if (!home.empty())
+        return WithoutTrailingSlash(home) + "/" + name + "/";
+    const std::string besideProgram = WithoutTrailingSlash(binaryDir) + "/" + name + "/";
+    if (CanWriteOrCreateDirectory(besideProgram))
+        return besideProgram;
+    return UserDataHome() + "/ZDT-Analyzer/" + name + "/";
+}
+
+std::string ResolveAnalyzerTempRoot(const std::string& binaryDir) {
+    return ResolveAnalyzerDataDir(binaryDir, "Temp");
+}
+
+bool CanWriteOrCreateDirectory(const std::string& directory) {
     fs::path path = fs::path(WithoutTrailingSlash(directory));
+    if (!path.is_absolute())
+        return false;
     while (true) {
         struct stat info {};
         if (stat(path.c_str(), &info) == 0)
@@ -52,77 +112,14 @@ bool CanWriteOrCreate(const std::string& directory)
     }
 }
 
-std::string UserHome()
-{
-    std::string home = EnvironmentValue("HOME");
-    if (home.empty()) {
-        if (const passwd* entry = getpwuid(getuid()); entry != nullptr && entry->pw_dir != nullptr)
-            home = entry->pw_dir;
-    }
-    return home;
-}
-
-std::string UserDataHome()
-{
-    // Relative values are invalid for XDG variables and are ignored.
-    const std::string xdg = EnvironmentValue("XDG_DATA_HOME");
-    if (!xdg.empty() && xdg.front() == '/')
-        return WithoutTrailingSlash(xdg);
-    return WithoutTrailingSlash(UserHome()) + "/.local/share";
-}
-
-void SeedRandomOnce()
-{
-    static const bool seeded = [] {
-        timeval now {};
-        gettimeofday(&now, nullptr);
-        std::srand(static_cast<unsigned>(now.tv_sec ^ now.tv_usec));
-        return true;
-    }();
-    (void)seeded;
-}
-
-bool IsDirectory(const std::string& path)
-{
-    struct stat info {};
-    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-} // namespace
-
-const std::string& AnalyzerBinaryDir()
-{
-    static const std::string dir = WithoutTrailingSlash(ExecutableDirectory()) + "/Analyzer/";
-    return dir;
-}
-
-const std::string& AnalyzerTempRoot()
-{
-    static const std::string root = ResolveAnalyzerTempRoot(AnalyzerBinaryDir());
-    return root;
-}
-
-std::string ResolveAnalyzerTempRoot(const std::string& binaryDir)
-{
-    const std::string home = EnvironmentValue("ZDT_ANALYZER_HOME");
-    if (!home.empty())
-        return WithoutTrailingSlash(home) + "/Temp/";
-    const std::string besideProgram = WithoutTrailingSlash(binaryDir) + "/Temp/";
-    if (CanWriteOrCreate(besideProgram))
-        return besideProgram;
-    return UserDataHome() + "/ZDT-Analyzer/Temp/";
-}
-
-std::string MakeSessionTempDirName(const std::string& root)
-{
+std::string MakeSessionTempDirName(const std::string& root) {
     SeedRandomOnce();
     char name[64];
     std::snprintf(name, sizeof name, "temp%ld_%d/", static_cast<long>(std::time(nullptr)), std::rand());
     return root + name;
 }
 
-TempDirectoryResult EnsureTempDirectory(const std::string& path, const std::string& failureTitle)
-{
+TempDirectoryResult EnsureTempDirectory(const std::string& path, const std::string& failureTitle) {
     const std::string name = WithoutTrailingSlash(path);
     if (IsDirectory(name))
         return {};
@@ -134,8 +131,7 @@ TempDirectoryResult EnsureTempDirectory(const std::string& path, const std::stri
     return {};
 }
 
-void RemoveSessionTempDir(const std::string& path)
-{
+void RemoveSessionTempDir(const std::string& path) {
     if (path.empty() || !IsDirectory(path))
         return;
     std::error_code error;
@@ -148,23 +144,19 @@ void RemoveSessionTempDir(const std::string& path)
     rmdir(WithoutTrailingSlash(path).c_str());
 }
 
-SessionTempDirectory::~SessionTempDirectory()
-{
+SessionTempDirectory::~SessionTempDirectory() {
     RemoveSessionTempDir(m_path);
 }
 
-std::optional<UserMessage> SessionTempDirectory::Create()
-{
+std::optional<UserMessage> SessionTempDirectory::Create() {
     return Create(AnalyzerTempRoot());
 }
 
-std::optional<UserMessage> SessionTempDirectory::Create(const std::string& root)
-{
+std::optional<UserMessage> SessionTempDirectory::Create(const std::string& root) {
     return Create(root, MakeSessionTempDirName(root));
 }
 
-std::optional<UserMessage> SessionTempDirectory::Create(const std::string& root, const std::string& sessionDir)
-{
+std::optional<UserMessage> SessionTempDirectory::Create(const std::string& root, const std::string& sessionDir) {
     RemoveSessionTempDir(m_path);
     m_path.clear();
     if (TempDirectoryResult rootResult = EnsureTempDirectory(root, TempRootFailureTitle); !rootResult.ok())

@@ -19,11 +19,24 @@ const std::string& AnalyzerBinaryDir();
 // by ResolveAnalyzerTempRoot(AnalyzerBinaryDir()).
 const std::string& AnalyzerTempRoot();
 
-// $ZDT_ANALYZER_HOME/Temp/ when that variable is set. Otherwise <binaryDir>Temp/ when
-// it is writable or can be created, so a build tree keeps its files beside the program;
-// an installed program falls back to the user's data home ($XDG_DATA_HOME, else
-// ~/.local/share) + "/ZDT-Analyzer/Temp/".
+// Where the program keeps the folder `name`, with a trailing "/": $ZDT_ANALYZER_HOME/<name>/
+// when that variable is set. Otherwise <binaryDir><name>/ when it is writable or can be
+// created, so a build tree keeps its files beside the program; an installed program falls
+// back to the user's data home ($XDG_DATA_HOME, else ~/.local/share) + "/ZDT-Analyzer/<name>/".
+std::string ResolveAnalyzerDataDir(const std::string& binaryDir, const std::string& name);
+
+// ResolveAnalyzerDataDir(binaryDir, "Temp").
 std::string ResolveAnalyzerTempRoot(const std::string& binaryDir);
+
+// The folder of the process value trace filter files, resolved once per run by
+// ResolveAnalyzerDataDir(AnalyzerBinaryDir(), "FilterDefaultDir"); made by whoever writes
+// into it first.
+const std::string& AnalyzerFilterDefaultDir();
+
+// True when `directory` is a writable directory, or does not exist yet and its nearest
+// existing ancestor is one. Relative paths are never writable: they would land wherever
+// the program happens to run.
+bool CanWriteOrCreateDirectory(const std::string& directory);
 
 // A fresh per-run directory name below `root`: "temp<seconds>_<rand>/".
 std::string MakeSessionTempDirName(const std::string& root);

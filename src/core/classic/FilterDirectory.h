@@ -9,6 +9,9 @@ namespace zdt {
 // names the project path and the trace path. A trace that lies in a folder named like
 // a project, which has its "<name>.prj" file, uses "<ProjectPath>/<name>/flt/";
 // every other trace shares "<TracePath>/CommonCANFilters/", created when missing.
+// Without a usable trace path (none set, relative, or a missing folder that cannot be
+// made) the common folder is the program's own, resolved like its temporary root:
+// ResolveAnalyzerDataDir(programDir + "/Analyzer/", "CommonCANFilters"), also created.
 std::string FindFilterDirectory(const std::string& programDir, const std::string& tracePath);
 
 // A path as the settings file writes it: no double quotes or semicolons, doubled

@@ -1,6 +1,7 @@
 #include "app/CAnalyzerApp.h"
 
 #include "app/AboutBox.h"
+#include "app/BackgroundOperation.h"
 #include "app/Boxes.h"
 #include "app/BrandEdition.h"
 #include "app/CChildFrame.h"
@@ -78,10 +79,9 @@ bool CAnalyzerApp::InitInstance(const QStringList& arguments) {
 
     // The first argument goes straight to its document; the trace extensions are the file
     // dialog's rule, not the command line's. No argument opens nothing.
+    m_mainFrame->show();
     if (!arguments.isEmpty() && openDocumentFile(arguments.first()) == nullptr)
         return false;
-
-    m_mainFrame->show();
 
     if (std::optional<zdt::UserMessage> failure = m_sessionTempDir.Create()) {
         ShowMessage(nullptr, *failure);
@@ -126,63 +126,53 @@ CChildFrame* CAnalyzerApp::findOpenDocument(const QString& path) const {
 
 UiDocument* CAnalyzerApp::openDocumentFile(const QString& path) {
     DocumentTemplate* documentTemplate = matchTemplate(path);
-    // Once the frame was asked to close, a file chosen before that opens no more.
-    if (documentTemplate == nullptr || m_mainFrame == nullptr || m_mainFrame->isClosePending())
+    if (documentTemplate == nullptr || m_mainFrame == nullptr)
         return nullptr;
-    // One spelling per file, so that a file already open is found again.
+    // One spelling per file, so that a file already open (or still being read) is found again.
     const QString fullPath = path.isEmpty() ? path : QDir::cleanPath(QFileInfo(path).absoluteFilePath());
     if (CChildFrame* open = findOpenDocument(fullPath)) {
         m_mainFrame->mdiArea()->setActiveSubWindow(open);
         return open->document();
     }
 
+    // The window and its list stand before the file is read, so the rows show as they come.
     std::unique_ptr<UiDocument> document = documentTemplate->createDocument();
-    if (document->opensInItsWindow())
-        return openInItsWindow(std::move(document), fullPath);
-    // A document names itself while it opens, before it has a window to show the name.
-    QString caption;
-    const QMetaObject::Connection naming =
-        connect(document.get(), &UiDocument::titleChanged, this, [&caption](const QString& title) { caption = title; });
-    const bool opened = document->open(fullPath, m_mainFrame.get());
-    disconnect(naming);
-    if (!opened)
-        return nullptr;
-    if (caption.isEmpty())
-        caption = QFileInfo(fullPath).fileName();
-
     UiDocument* result = document.get();
-    m_mainFrame->addChildFrame(new CChildFrame(std::move(document), m_mainFrame.get(), caption));
-    m_recentFiles.add(fullPath);
-    m_mainFrame->refreshCommands();
-    return result;
-}
-
-// The window and its list stand before the file is read, so the rows show as they come.
-// The window is in the frame's list from the start: a second open of the same path from
-// inside the read's event passes finds it there.
-UiDocument* CAnalyzerApp::openInItsWindow(std::unique_ptr<UiDocument> document, const QString& fullPath) {
-    UiDocument* result = document.get();
-    // A window that goes again gives the activation back to the one it took it from.
     const QPointer<QMdiSubWindow> previous = m_mainFrame->mdiArea()->currentSubWindow();
-    QPointer<CChildFrame> child =
+    auto* child =
         new CChildFrame(std::move(document), m_mainFrame.get(), QFileInfo(fullPath).fileName(), m_mainFrame.get());
-    // From the command line the frame is not up yet; the list must be seen while it grows.
     if (!m_mainFrame->isVisible())
         m_mainFrame->show();
     m_mainFrame->addChildFrame(child);
-    const bool opened = result->open(fullPath, m_mainFrame.get());
-    if (opened)
+    connect(result, &UiDocument::openFinished, this,
+            [this, child = QPointer<CChildFrame>(child), previous, fullPath](bool opened) {
+                openEnded(child, previous, fullPath, opened);
+            });
+    result->startOpen(fullPath);
+    return result;
+}
+
+void CAnalyzerApp::openEnded(CChildFrame* child, QMdiSubWindow* previous, const QString& fullPath, bool opened) {
+    if (child == nullptr)
+        return;
+    UiDocument* document = child->document();
+    const std::vector<zdt::UserMessage> messages = document->takeOpenMessages();
+    if (opened) {
         m_recentFiles.add(fullPath);
-    const bool keep = opened && child != nullptr && !child->closeRequestedWhileOpening();
-    if (!keep && child != nullptr) {
+    } else {
+        // The window goes before its boxes come: nothing stands behind them.
         child->discard();
         delete child;
         if (previous != nullptr)
             m_mainFrame->mdiArea()->setActiveSubWindow(previous);
     }
     m_mainFrame->refreshCommands();
-    m_mainFrame->openingEnded();
-    return keep ? result : nullptr;
+    BoxMessageSink boxes(m_mainFrame.get());
+    for (const zdt::UserMessage& message : messages)
+        boxes.showMessage(message);
+    Q_EMIT documentOpened(fullPath, opened);
+    if (opened)
+        document->afterOpen(m_mainFrame.get());
 }
 
 void CAnalyzerApp::OnFileOpen() {
@@ -193,7 +183,9 @@ void CAnalyzerApp::OnFileOpen() {
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     const QString pattern =
         QString::fromLatin1(zdt::TraceFilesFilterPattern).replace(QLatin1Char(';'), QLatin1Char(' '));
-    dialog.setNameFilter(QStringLiteral("%1 (%2)").arg(QString::fromLatin1(zdt::TraceFilesFilterName), pattern));
+    // "All files" lets a user pick any name; the route then says which it cannot open.
+    dialog.setNameFilters({QStringLiteral("%1 (%2)").arg(QString::fromLatin1(zdt::TraceFilesFilterName), pattern),
+                           QStringLiteral("All files (*)")});
     if (dialog.exec() != QDialog::Accepted)
         return;
     OpenSelectedFiles(dialog.selectedFiles());
@@ -211,17 +203,10 @@ void CAnalyzerApp::OpenSelection(const zdt::DocumentSelection& selection) {
     for (const std::string& path : selection.accepted)
         openDocumentFile(QString::fromStdString(path));
 
-    auto warn = [&] {
-        if (selection.warning)
-            ShowMessage(selection.warningOnMainFrame ? m_mainFrame.get() : nullptr, *selection.warning);
-    };
-    // Dropped files warn before the windows are arranged, the file dialog after.
-    if (selection.warnBeforeCascade)
-        warn();
-    if (selection.cascade && m_mainFrame != nullptr)
-        m_mainFrame->cascade();
-    if (!selection.warnBeforeCascade)
-        warn();
+    // New windows take their place beside the others (CMainFrame::addChildFrame); the
+    // windows already open keep their arrangement.
+    if (selection.warning)
+        ShowMessage(selection.warningOnMainFrame ? m_mainFrame.get() : nullptr, *selection.warning);
 }
 
 void CAnalyzerApp::OpenRecentFile(int index) {

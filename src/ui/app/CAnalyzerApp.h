@@ -14,6 +14,7 @@
 #include <memory>
 #include <vector>
 
+class QMdiSubWindow;
 class QPrinter;
 
 namespace zdt {
@@ -49,8 +50,10 @@ public:
     bool InitInstance(const QStringList& arguments);
 
     // Opens `path` with the template its extension names (none: the classic template),
-    // without asking whether the extension is a trace's. A file already open gets its
-    // window activated. Null when the open failed; then no window is left behind.
+    // without asking whether the extension is a trace's: its window comes at once and
+    // the file is read in the background; documentOpened() tells the end. A file already
+    // open (or being read) gets its window activated. Null only when no window could be
+    // made; a read that fails or is cancelled takes its window away again.
     UiDocument* openDocumentFile(const QString& path);
 
     // The file-open command: the dialog, then OpenSelectedFiles.
@@ -80,11 +83,15 @@ public:
     static QString HelpPagePath();
     static QString ProgramVersion();
 
+Q_SIGNALS:
+    // The read of a file that openDocumentFile() began has ended, its boxes shown.
+    void documentOpened(const QString& path, bool opened);
+
 private:
     void registerTemplates();
+    void openEnded(CChildFrame* child, QMdiSubWindow* previous, const QString& fullPath, bool opened);
     DocumentTemplate* matchTemplate(const QString& path) const;
     CChildFrame* findOpenDocument(const QString& path) const;
-    UiDocument* openInItsWindow(std::unique_ptr<UiDocument> document, const QString& fullPath);
 
     TemplateFactory m_classicTemplate;
     const zdt::EditionInfo& m_edition;

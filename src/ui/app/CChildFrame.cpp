@@ -1,6 +1,10 @@
 #include "app/CChildFrame.h"
 
+#include "app/OperationStrip.h"
+
+#include <QApplication>
 #include <QCloseEvent>
+#include <QVBoxLayout>
 
 namespace zdtui {
 
@@ -9,8 +13,23 @@ CChildFrame::CChildFrame(std::unique_ptr<UiDocument> document, StatusSink* statu
     : QMdiSubWindow(parent), m_document(std::move(document)), m_status(status) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(caption);
-    setWidget(m_document->createView(this, status));
+    // The program's icon, whichever family: the frame's icon is the application's.
+    if (parent != nullptr && !parent->window()->windowIcon().isNull())
+        setWindowIcon(parent->window()->windowIcon());
+    auto* body = new QWidget(this);
+    auto* layout = new QVBoxLayout(body);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    m_view = m_document->createView(body, status);
+    m_strip = new OperationStrip(body);
+    if (m_view != nullptr)
+        layout->addWidget(m_view, 1);
+    layout->addWidget(m_strip);
+    setWidget(body);
+    if (m_view != nullptr)
+        setFocusProxy(m_view);
     connect(m_document.get(), &UiDocument::titleChanged, this, &QWidget::setWindowTitle);
+    connect(m_document.get(), &UiDocument::operationStarted, m_strip, &OperationStrip::follow);
 }
 
 CChildFrame::~CChildFrame() {
@@ -21,26 +40,20 @@ CChildFrame::~CChildFrame() {
         m_document->close();
     }
     // The view reads the document to its end, so it goes first.
-    QWidget* view = widget();
+    QWidget* body = widget();
     setWidget(nullptr);
-    delete view;
+    delete body;
     m_document.reset();
 }
 
 CommandView* CChildFrame::commandView() const {
-    return dynamic_cast<CommandView*>(widget());
+    return dynamic_cast<CommandView*>(m_view.data());
 }
 
 void CChildFrame::closeEvent(QCloseEvent* event) {
-    // The parse is on the stack below this event: the window may only go once it returned.
-    if (m_document->isOpening()) {
-        m_closeWhenOpened = true;
-        m_document->cancelOpening();
-        event->ignore();
-        return;
-    }
     // The status is cleared before the window goes, so that the next window's view,
-    // activated while this one closes, has the last word on the status bar.
+    // activated while this one closes, has the last word on the status bar. Work that
+    // still runs is cancelled and has unwound when closeDocument() returns.
     closeDocument();
     QMdiSubWindow::closeEvent(event);
 }

@@ -3,13 +3,17 @@
 #include "app/UiDocument.h"
 
 #include <QMdiSubWindow>
+#include <QPointer>
 
 #include <memory>
 
 namespace zdtui {
 
+class OperationStrip;
+
 // The child window of one document, for every document family. It owns the document;
-// the document's view is its widget.
+// its widget holds the document's view and, below it, the progress of the document's
+// long work.
 class CChildFrame final : public QMdiSubWindow {
     Q_OBJECT
 public:
@@ -19,14 +23,13 @@ public:
     ~CChildFrame() override;
 
     UiDocument* document() const { return m_document.get(); }
+    QWidget* view() const { return m_view; }
     // The view's commands; null only if a family's view forgot to implement them.
     CommandView* commandView() const;
+    OperationStrip* operationStrip() const { return m_strip; }
 
-    // The user closed the window while its document was still reading: the read was
-    // cancelled and the window waits for open() to return before it goes.
-    bool closeRequestedWhileOpening() const { return m_closeWhenOpened; }
-    // Closes the document of a window that is about to go without having been shown
-    // as open (a failed or cancelled open); the caller then deletes the window.
+    // Closes the document of a window that goes without having been shown as open (a
+    // failed or cancelled read); the caller then deletes the window.
     void discard() { closeDocument(); }
 
 protected:
@@ -37,8 +40,9 @@ private:
 
     std::unique_ptr<UiDocument> m_document;
     StatusSink* m_status;
+    QPointer<QWidget> m_view;
+    OperationStrip* m_strip;
     bool m_documentClosed = false;
-    bool m_closeWhenOpened = false;
 };
 
 } // namespace zdtui

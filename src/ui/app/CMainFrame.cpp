@@ -8,6 +8,7 @@
 #include "app/MenuResources.h"
 
 #include <QAction>
+#include <algorithm>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -16,6 +17,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
@@ -183,11 +185,24 @@ QString CMainFrame::statusPaneText(int pane) const {
 }
 
 void CMainFrame::addChildFrame(CChildFrame* child) {
+    QMdiSubWindow* active = m_mdiArea->currentSubWindow();
+    const bool maximised = active == nullptr || active->isHidden() || active->isMaximized();
     m_mdiArea->addSubWindow(child);
     connect(child, &QWidget::windowTitleChanged, this, [this] { updateTitle(); });
     connect(child, &QMdiSubWindow::windowStateChanged, this, [this] { updateTitle(); });
-    // Every document window opens maximised.
-    child->showMaximized();
+    if (maximised) {
+        child->showMaximized();
+    } else {
+        // Two thirds of the area, a title bar's height below and right of the active one.
+        const QRect area = m_mdiArea->viewport()->rect();
+        const QSize size(std::max(area.width() * 2 / 3, 320), std::max(area.height() * 2 / 3, 200));
+        const int step = child->style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, child);
+        QPoint topLeft = active->geometry().topLeft() + QPoint(step, step);
+        if (topLeft.x() + size.width() > area.width() || topLeft.y() + size.height() > area.height())
+            topLeft = QPoint(0, 0);
+        child->setGeometry(QRect(topLeft, size));
+        child->show();
+    }
     m_mdiArea->setActiveSubWindow(child);
 }
 
@@ -263,41 +278,8 @@ void CMainFrame::dropEvent(QDropEvent* event) {
     OnDropFiles(paths);
 }
 
-// True when a document was still reading: it is told to stop.
-bool CMainFrame::cancelOpenings() {
-    bool opening = false;
-    for (CChildFrame* child : childFrames()) {
-        if (child->document()->isOpening()) {
-            child->document()->cancelOpening();
-            opening = true;
-        }
-    }
-    return opening;
-}
-
-void CMainFrame::openingEnded() {
-    if (!m_closePending || m_closeQueued)
-        return;
-    for (CChildFrame* child : childFrames()) {
-        if (child->document()->isOpening())
-            return;
-    }
-    // Later, from the event loop: the open that just ended still has its caller to return to.
-    m_closeQueued = true;
-    QTimer::singleShot(0, this, [this] {
-        m_closeQueued = false;
-        m_closePending = false;
-        close();
-    });
-}
-
 void CMainFrame::closeEvent(QCloseEvent* event) {
-    // A read below this event on the stack must unwind before any window goes.
-    if (cancelOpenings()) {
-        m_closePending = true;
-        event->ignore();
-        return;
-    }
+    // Each window cancels its document's work and waits for it to unwind as it closes.
     for (QMdiSubWindow* window : m_mdiArea->subWindowList()) {
         if (!window->close()) {
             event->ignore();
@@ -345,8 +327,8 @@ QAction* CMainFrame::viewAction(ViewCommand command, CommandView* view) const {
 // The menu resource decides what a command is called and which key runs it; the view
 // decides whether it runs and what it does.
 void CMainFrame::dressViewAction(QAction* action, const QString& resourceText, ViewCommand command) {
-    action->setText(MenuItemLabel(resourceText));
-    action->setShortcut(MenuItemShortcut(resourceText));
+    action->setText(MenuItemText(resourceText));
+    action->setShortcuts(MenuItemShortcuts(resourceText));
     if (action->icon().isNull())
         action->setIcon(CommandIcon(command));
     if (!m_idleViewActions.values().contains(action) && !m_dressedViewActions.contains(action))

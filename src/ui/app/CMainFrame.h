@@ -39,7 +39,9 @@ public:
     QString statusPaneText(int pane) const;
 
     QMdiArea* mdiArea() const { return m_mdiArea; }
-    // Takes a document's child window and shows it maximised and active.
+    // Takes a document's child window and shows it active: maximised when the active
+    // window is (or there is none), else at a useful size beside the others, whose
+    // arrangement stays as it is.
     void addChildFrame(CChildFrame* child);
     CChildFrame* activeChildFrame() const;
     QList<CChildFrame*> childFrames() const;
@@ -61,12 +63,6 @@ public:
     // Rebuilds menus and tool bars, e.g. after the recent-file list changed.
     void refreshCommands();
 
-    // The user closed the frame while a document was still reading: the reads were
-    // cancelled, and no other file may open until the frame has closed.
-    bool isClosePending() const { return m_closePending; }
-    // A document's open() returned; a pending close goes ahead once no read is left.
-    void openingEnded();
-
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -85,7 +81,6 @@ private:
     void undressViewActions();
     void addRecentFiles(QMenu* menu);
     void addColumnsPopup(QMenu* menu, const QString& title, CommandView* view);
-    bool cancelOpenings();
     void fillWindowList(QMenu* menu, int fixedActions);
     void updateTitle();
     void tile(Qt::Orientation orientation);
@@ -109,8 +104,6 @@ private:
     QPointer<QObject> m_activeChild;
     CChildFrame* activeChild() const;
     int m_menuResourceShown = 0;
-    bool m_closePending = false;
-    bool m_closeQueued = false;
 };
 
 } // namespace zdtui

@@ -70,7 +70,8 @@ int MainMenuOfEdition() {
 
 PopupResource WindowPopup() {
     return {"&Window",
-            {Item("&Cascade", FrameCommand::WindowCascade), Item("Tile &Horizontally", FrameCommand::WindowTileHorizontal),
+            {Item("&Cascade", FrameCommand::WindowCascade),
+             Item("Tile &Horizontally", FrameCommand::WindowTileHorizontal),
              Item("Tile &Vertically", FrameCommand::WindowTileVertical), WindowList()}};
 }
 
@@ -86,13 +87,17 @@ PopupResource DocumentFilePopup(MenuItemResource saveItem) {
 // The "&Session" popup of a document window. The XML families add named bookmarks and
 // the bookmark list; the filter item closes the popup.
 PopupResource SessionPopup(bool xmlBookmarks, MenuItemResource filterItem) {
-    std::vector<MenuItemResource> items = {
-        Item("Session Info...", ViewCommand::SessionInfo), Separator(), Item("&Find\tCtrl+F", ViewCommand::Find),
-        Item("Find &Next\tCtrl+F3", ViewCommand::FindNext),
-        Item("Find &Previous\tCtrl+Shift+F3", ViewCommand::FindPrevious), Separator(),
-        Item("&Toggle Bookmark\tCtrl+F2", ViewCommand::ToggleBookmark)};
+    std::vector<MenuItemResource> items = {Item("Session Info...", ViewCommand::SessionInfo),
+                                           Separator(),
+                                           Item("&Find\tCtrl+F", ViewCommand::Find),
+                                           Item("Find &Next\tCtrl+F3", ViewCommand::FindNext),
+                                           Item("Find &Previous\tCtrl+Shift+F3", ViewCommand::FindPrevious),
+                                           Separator(),
+                                           Item("&Toggle Bookmark\tCtrl+F2", ViewCommand::ToggleBookmark)};
+    // Linux desktops keep Ctrl+Alt+F2 to switch consoles; the second key reaches us there.
     if (xmlBookmarks)
-        items.push_back(Item("Toggle Bookmark with Na&me...\tCtrl+Alt+F2", ViewCommand::ToggleNamedBookmark));
+        items.push_back(
+            Item("Toggle Bookmark with Na&me...\tCtrl+Alt+F2; Alt+Shift+F2", ViewCommand::ToggleNamedBookmark));
     items.push_back(Item("&Goto Next Bookmark\tF2", ViewCommand::NextBookmark));
     items.push_back(Item("Goto Previous &Bookmark\tShift+F2", ViewCommand::PreviousBookmark));
     items.push_back(Item("Clear All Bookmarks\tCtrl+Shift+F2", ViewCommand::ClearBookmarks));
@@ -182,9 +187,24 @@ QString MenuItemLabel(const QString& resourceText) {
     return tab < 0 ? resourceText : resourceText.left(tab);
 }
 
-QKeySequence MenuItemShortcut(const QString& resourceText) {
+QList<QKeySequence> MenuItemShortcuts(const QString& resourceText) {
     const qsizetype tab = resourceText.indexOf(u'\t');
-    return tab < 0 ? QKeySequence() : QKeySequence::fromString(resourceText.mid(tab + 1), QKeySequence::PortableText);
+    if (tab < 0)
+        return {};
+    return QKeySequence::listFromString(resourceText.mid(tab + 1), QKeySequence::PortableText);
+}
+
+QKeySequence MenuItemShortcut(const QString& resourceText) {
+    const QList<QKeySequence> keys = MenuItemShortcuts(resourceText);
+    return keys.isEmpty() ? QKeySequence() : keys.first();
+}
+
+QString MenuItemText(const QString& resourceText) {
+    const QList<QKeySequence> keys = MenuItemShortcuts(resourceText);
+    if (keys.size() < 2)
+        return MenuItemLabel(resourceText);
+    // A menu shows only an action's first key by itself; text behind a tab it shows instead.
+    return MenuItemLabel(resourceText) + u'\t' + QKeySequence::listToString(keys, QKeySequence::NativeText);
 }
 
 } // namespace zdtui

@@ -3,6 +3,7 @@
 #include "app/FrameCommand.h"
 
 #include <QKeySequence>
+#include <QList>
 #include <QString>
 
 #include <optional>
@@ -39,7 +40,12 @@ std::vector<std::optional<MenuCommand>> ToolBarResource(int id);
 
 // The label of a resource text, without the accelerator.
 QString MenuItemLabel(const QString& resourceText);
-// The accelerator behind the tab, empty when there is none.
+// The accelerators behind the tab, separated by "; " when an item has more than one.
+QList<QKeySequence> MenuItemShortcuts(const QString& resourceText);
+// The first accelerator, empty when there is none.
 QKeySequence MenuItemShortcut(const QString& resourceText);
+// What the menu item's action is called: the label, followed by a tab and every key
+// when there are several (the menu would show only the first).
+QString MenuItemText(const QString& resourceText);
 
 } // namespace zdtui

@@ -1,15 +1,21 @@
 #pragma once
 
+#include "app/BackgroundOperation.h"
+#include "common/Operation.h"
+
 #include <QObject>
 #include <QString>
 
+#include <functional>
 #include <memory>
+#include <vector>
 
 class QAction;
 class QMenu;
 class QWidget;
 
 namespace zdtui {
+
 
 // The status operations of the main frame that views and documents call.
 class StatusSink {
@@ -62,32 +68,84 @@ public:
     virtual void fillColumnsMenu(QMenu* columns) { (void)columns; }
 };
 
-// What the application needs of an open document of any family.
+// What the application needs of a document of any family. A document reads its file
+// while its window already stands, and runs every long piece of work (the read, a
+// search, a filter pass) as its one BackgroundOperation at a time.
 class UiDocument : public QObject {
     Q_OBJECT
 public:
-    using QObject::QObject;
-    // Opens the file: shows the family's own boxes (parented to `dialogParent`) and, for
-    // long work, a progress dialog with Cancel. False leaves no document behind.
-    virtual bool open(const QString& path, QWidget* dialogParent) = 0;
-    // The widget of the child window; it must also implement CommandView.
+    using OperationFinish = std::function<void(const zdt::OperationOutcome& outcome)>;
+
+    UiDocument();
+    ~UiDocument() override;
+
+    // Starts reading `path` in the background; the document's view exists already and
+    // grows as rows come. openFinished() follows once, also after a cancel.
+    void startOpen(const QString& path);
+    // The widget of the child window; it must also implement CommandView. Made before
+    // the file is read.
     virtual QWidget* createView(QWidget* parent, StatusSink* status) = 0;
-    // The document's own close step, once, before it is destroyed.
-    virtual void close() = 0;
-    virtual QString pathName() const = 0;
+    // Cancels running work and waits for it to unwind, then the family's close step;
+    // once, before the document is destroyed.
+    void close();
+    QString pathName() const { return m_path; }
 
-    // A family whose list grows while its file is read returns true: its window (and
-    // view) is made first, createView() runs before open(), and a failed open closes
-    // the window again.
-    virtual bool opensInItsWindow() const { return false; }
-    // True while open() is still reading; the window then must not go away.
-    virtual bool isOpening() const { return false; }
-    // Asks a running open() to stop as soon as it can; it then returns false.
-    virtual void cancelOpening() {}
+    // True from startOpen() until the read ended.
+    bool isOpening() const { return m_opening; }
+    // True while a long operation runs; commands that need the whole document wait.
+    bool isBusy() const { return m_operation != nullptr; }
+    BackgroundOperation* operation() const { return m_operation.get(); }
+    // Asks the running operation, if any, to stop.
+    void cancelOperation();
+    // What follows a successful read once its window is kept and its boxes were shown;
+    // it may ask the user (a filter named in the file's history) and start more work.
+    virtual void afterOpen(QWidget* dialogParent) { (void)dialogParent; }
+    // The boxes the read raised, for the caller to show once it has dealt with the window.
+    std::vector<zdt::UserMessage> takeOpenMessages() { return std::move(m_openMessages); }
 
-signals:
+Q_SIGNALS:
     // The document's title (the child window's caption) changed.
     void titleChanged(const QString& title);
+    // A long operation began; its window shows the progress.
+    void operationStarted(BackgroundOperation* operation);
+    // A long operation began or ended: the commands that wait for it refresh.
+    void busyChanged(bool busy);
+    // The read ended: true when the document is open, false when it failed or was
+    // cancelled (its window must go). The boxes wait in takeOpenMessages().
+    void openFinished(bool opened);
+
+protected:
+    // The family's read of the file; runs on the operation's thread.
+    virtual zdt::OperationJob openJob(const QString& path) = 0;
+    // Once the read ended, on the thread of the windows: whether the document is open.
+    virtual bool openEnded(const zdt::OperationOutcome& outcome) {
+        return outcome.status == zdt::OperationStatus::Done;
+    }
+    // While the read runs, once per pass of the event loop with news: take the rows so far.
+    virtual void takeRowsReadSoFar() {}
+    // The family's own close step, after any work has unwound.
+    virtual void closeDocument() {}
+    // An operation is about to start its thread: what it reports must now go through it.
+    virtual void beforeOperation(BackgroundOperation& operation) { (void)operation; }
+
+    // Runs `job` as the document's operation and `finish` on the thread of the windows
+    // when it ended; `update` once per pass of the event loop with news. Work that must
+    // not stop half-way is not `cancellable`: no Cancel is offered, and a close waits for
+    // its end. False (and nothing runs) while another operation runs or after close().
+    bool runOperation(const QString& label, zdt::OperationJob job, OperationFinish finish,
+                      std::function<void()> update = {}, bool cancellable = true);
+    bool isClosed() const { return m_closed; }
+
+private:
+    void operationFinished();
+
+    QString m_path;
+    std::unique_ptr<BackgroundOperation> m_operation;
+    OperationFinish m_finish;
+    std::function<void()> m_update;
+    std::vector<zdt::UserMessage> m_openMessages;
+    bool m_opening = false;
+    bool m_closed = false;
 };
 
 // A document family: the extension it names and how its documents are made.

@@ -38,7 +38,7 @@ constexpr int kHorizontalStep = 20;
 constexpr int kPartnerMenu = 143;
 
 QFont ListFont() {
-    // The face name is what the list always asked for; font matching finds a fixed-pitch face.
+    // The face name is the list's own choice; font matching finds a fixed-pitch face where it is missing.
     QFont font(QStringLiteral("Curier New"));
     font.setStyleHint(QFont::TypeWriter);
     font.setFixedPitch(true);
@@ -86,6 +86,16 @@ CAnaView::CAnaView(ClassicDocument& document, StatusSink* status, QWidget* paren
 
     connect(&m_document, &ClassicDocument::contentAboutToChange, m_model, &ClassicListModel::suspend);
     connect(&m_document, &ClassicDocument::contentChanged, this, &CAnaView::refreshFromDocument);
+    connect(&m_document, &ClassicDocument::rowsArrived, this, &CAnaView::takeRows);
+    connect(&m_document, &UiDocument::busyChanged, this, &CAnaView::updateActions);
+    // Which columns have content is known once the whole file was read.
+    connect(&m_document, &UiDocument::openFinished, this, [this](bool opened) {
+        if (!opened)
+            return;
+        m_widths = InitialColumnWidths(ColumnContentOf(doc()));
+        applyColumnWidths();
+        updateGeometries();
+    });
 
     createActions();
     m_widths = InitialColumnWidths(ColumnContentOf(doc()));
@@ -137,7 +147,7 @@ void CAnaView::createActions() {
                QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_F2), [this] { onClearBookmarks(); });
     addCommand(ViewCommand::CanFilter, QStringLiteral("&Can Filter ..."), QKeySequence(),
                [this] { m_document.onCanFilter(this); });
-    // The partner's menu has always carried a blank behind this item.
+    // The partner's menu carries a blank behind this item.
     addCommand(ViewCommand::StyleKLine,
                menuResource() == kPartnerMenu ? QStringLiteral("Style KLine Link ")
                                               : QStringLiteral("Style KLine Link"),
@@ -156,20 +166,37 @@ int CAnaView::menuResource() const {
 }
 
 void CAnaView::activateView() {
-    if (m_status != nullptr)
-        m_status->SetStatusDocument(m_document.pathName(), static_cast<int>(doc().GetVisibleCount()));
+    m_document.refreshStatus();
 }
 
 void CAnaView::updateActions() {
+    // While the document's work runs, only the bookmarks of the rows read so far may change.
+    const bool busy = m_document.isBusy();
+    for (ViewCommand command : {ViewCommand::Print, ViewCommand::PrintPreview, ViewCommand::SaveAsAscii,
+                                ViewCommand::SessionInfo, ViewCommand::Find, ViewCommand::CanFilter})
+        m_actions[IndexOf(command)]->setEnabled(!busy);
+    if (busy) {
+        for (ViewCommand command :
+             {ViewCommand::FindNext, ViewCommand::FindPrevious, ViewCommand::StyleCan, ViewCommand::StyleKLine})
+            m_actions[IndexOf(command)]->setEnabled(false);
+    }
     const bool bookmarks = !doc().Bookmarks().empty();
     m_actions[IndexOf(ViewCommand::NextBookmark)]->setEnabled(bookmarks);
     m_actions[IndexOf(ViewCommand::PreviousBookmark)]->setEnabled(bookmarks);
     m_actions[IndexOf(ViewCommand::ClearBookmarks)]->setEnabled(bookmarks);
     const bool results = !doc().FindResults().empty();
+    if (busy)
+        return;
     m_actions[IndexOf(ViewCommand::FindNext)]->setEnabled(results);
     m_actions[IndexOf(ViewCommand::FindPrevious)]->setEnabled(results);
     m_actions[IndexOf(ViewCommand::StyleCan)]->setEnabled(doc().IsCanTrace());
     m_actions[IndexOf(ViewCommand::StyleKLine)]->setEnabled(!doc().IsCanTrace());
+}
+
+void CAnaView::takeRows(int rows) {
+    m_model->growTo(rows);
+    updateScrollBars();
+    viewport()->update();
 }
 
 void CAnaView::refreshFromDocument() {

@@ -77,6 +77,8 @@ public:
 
     // Rows, times or marks of the document changed.
     void refreshFromDocument();
+    // The read has published `rows` rows so far.
+    void takeRows(int rows);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

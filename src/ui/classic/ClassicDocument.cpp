@@ -1,19 +1,20 @@
 #include "classic/ClassicDocument.h"
 
 #include "app/BrandEdition.h"
+#include "app/Boxes.h"
+#include "app/WaitCursor.h"
 #include "classic/CAnaView.h"
 #include "classic/CSettingsInfo.h"
 #include "classic/CanFilterDialogPrompt.h"
 #include "classic/ClassicReport.h"
 #include "classic/ClassicViewLayout.h"
-#include "app/CollectedMessages.h"
-#include "app/ProgressRunner.h"
 #include "classic/StyleDialogs.h"
-#include "app/WaitCursor.h"
+#include "common/RowTypes.h"
 
 #include <QFile>
-#include <QProgressDialog>
-#include <QTimer>
+#include <QPointer>
+
+#include <climits>
 
 namespace zdtui {
 namespace {
@@ -22,16 +23,22 @@ std::string LocalPath(const QString& path) {
     return QFile::encodeName(path).toStdString();
 }
 
+void ShowMessages(QWidget* parent, const std::vector<zdt::UserMessage>& messages) {
+    BoxMessageSink boxes(parent);
+    for (const zdt::UserMessage& message : messages)
+        boxes.showMessage(message);
+}
+
 } // namespace
 
-ClassicDocument::ClassicDocument() = default;
+ClassicDocument::ClassicDocument() : m_doc(std::make_unique<CAnalyzerDoc>()) {}
 
 ClassicDocument::~ClassicDocument() = default;
 
 QString ClassicDocument::title() const {
-    if (!m_doc)
-        return m_path;
-    return QFile::decodeName(ClassicWindowTitle(m_doc->Title(), LocalPath(m_path)).c_str());
+    if (!m_open)
+        return pathName();
+    return QFile::decodeName(ClassicWindowTitle(m_doc->Title(), LocalPath(pathName())).c_str());
 }
 
 void ClassicDocument::setFilterPrompt(std::unique_ptr<CanFilterPrompt> prompt) {
@@ -41,37 +48,37 @@ void ClassicDocument::setFilterPrompt(std::unique_ptr<CanFilterPrompt> prompt) {
 CanFilterPrompt& ClassicDocument::filterPrompt(QWidget* parent) {
     // One prompt for the document's life: it remembers the filter last accepted.
     if (!m_filterPrompt)
-        m_filterPrompt = std::make_unique<CanFilterDialogPrompt>(parent, m_path);
+        m_filterPrompt = std::make_unique<CanFilterDialogPrompt>(parent, pathName());
     return *m_filterPrompt;
 }
 
-bool ClassicDocument::runLongWork(QWidget* parent, const QString& label, bool cancellable,
-                                  const std::function<void(zdt::ProgressSink&)>& job) {
-    ProgressRunner runner(parent, label, cancellable);
-    connect(&runner, &ProgressRunner::started, this, &ClassicDocument::progressStarted);
-    return runner.run(job);
+zdt::OperationJob ClassicDocument::openJob(const QString& path) {
+    CAnalyzerDoc* doc = m_doc.get();
+    return [doc, localPath = LocalPath(path)](zdt::MessageSink& messages, zdt::OperationControl& control) {
+        // Cancel pressed as the last block was read still means the user gave the file up.
+        const bool opened = doc->OnOpenDocument(localPath, &messages, &control, nullptr);
+        return opened && !control.isCancelRequested() ? zdt::OperationStatus::Done : zdt::StatusOf(false, control);
+    };
 }
 
-bool ClassicDocument::open(const QString& path, QWidget* dialogParent) {
-    m_path = path;
-    auto doc = std::make_unique<CAnalyzerDoc>();
-    CollectedMessages messages;
-    bool opened = false;
-    const std::string localPath = LocalPath(path);
-    const bool finished = runLongWork(dialogParent, tr("Reading %1").arg(path), true, [&](zdt::ProgressSink& progress) {
-        opened = doc->OnOpenDocument(localPath, &messages, &progress, nullptr);
-    });
-    messages.showAll(dialogParent);
-    // Cancel pressed as the last block was read still means the user gave the file up.
-    if (!opened || !finished)
+void ClassicDocument::takeRowsReadSoFar() {
+    Q_EMIT rowsArrived(static_cast<int>(m_doc->RowsReadSoFar()));
+    refreshStatus();
+}
+
+bool ClassicDocument::openEnded(const zdt::OperationOutcome& outcome) {
+    m_open = outcome.status == zdt::OperationStatus::Done;
+    if (!m_open)
         return false;
-    m_doc = std::move(doc);
-    offerHistoryFilter(dialogParent);
-    emit titleChanged(title());
+    // Columns and cells that only the whole file decides (the trace's kind) take their
+    // final form now.
+    Q_EMIT titleChanged(title());
+    Q_EMIT contentChanged();
+    refreshStatus();
     return true;
 }
 
-void ClassicDocument::offerHistoryFilter(QWidget* parent) {
+void ClassicDocument::afterOpen(QWidget* parent) {
     const std::optional<CanFilterPrompt::Request> request = m_doc->HistoryFilterRequest();
     if (!request)
         return;
@@ -82,51 +89,52 @@ void ClassicDocument::offerHistoryFilter(QWidget* parent) {
         return;
     }
     const std::string fltPath = prompt.FilterPath(answer.name);
-    WaitCursor wait;
-    runLongWork(parent, tr("Filtering %1").arg(m_path), false,
-                [&](zdt::ProgressSink& progress) { m_doc->ApplyHistoryFilterAnswer(answer, fltPath, &progress); });
+    CAnalyzerDoc* doc = m_doc.get();
+    runFilterWork(tr("Filtering %1").arg(pathName()), parent,
+                  [doc, answer, fltPath](zdt::MessageSink&, zdt::OperationControl& control) {
+                      doc->ApplyHistoryFilterAnswer(answer, fltPath, &control);
+                      return zdt::OperationStatus::Done;
+                  });
 }
 
 QWidget* ClassicDocument::createView(QWidget* parent, StatusSink* status) {
-    if (!m_doc)
-        return nullptr;
     m_status = status;
-    auto* view = new CAnaView(*this, status, parent);
-    // The frame may connect to the title only once it has the view: tell it again then.
-    QTimer::singleShot(0, this, [this] { emit titleChanged(title()); });
-    emit titleChanged(title());
-    return view;
+    return new CAnaView(*this, status, parent);
 }
 
 void ClassicDocument::refreshStatus() {
-    if (m_status != nullptr && m_doc)
-        m_status->SetStatusDocument(m_path, static_cast<int>(m_doc->GetVisibleCount()));
+    if (m_status == nullptr)
+        return;
+    // While the rows are rebuilt on another thread only the rows published so far count.
+    zdt::RowCount rows = 0;
+    if (isOpening())
+        rows = m_doc->RowsReadSoFar();
+    else if (!isBusy())
+        rows = static_cast<zdt::RowCount>(std::min<std::uint32_t>(m_doc->GetVisibleCount(), INT_MAX));
+    m_status->SetStatusDocument(pathName(), static_cast<int>(rows));
 }
 
-void ClassicDocument::close() {
-    if (m_closed)
-        return;
-    m_closed = true;
+void ClassicDocument::closeDocument() {
     if (m_status != nullptr)
         m_status->SetStatusDocument(QString(), 0);
-    if (m_doc)
+    if (m_open)
         m_doc->OnCloseDocument();
 }
 
 void ClassicDocument::onSessionInfo(QWidget* parent) {
-    if (m_doc)
+    if (m_open && !isBusy())
         RunSessionInfo(parent, SessionInfoFields(*m_doc, zdt::BrandEdition()));
 }
 
 void ClassicDocument::setTimeMode(TimeMode mode, std::uint32_t byteTime) {
-    if (!m_doc)
+    if (!m_open || isBusy())
         return;
     m_doc->SetTimeMode(mode, byteTime);
-    emit contentChanged();
+    Q_EMIT contentChanged();
 }
 
 void ClassicDocument::onStyleCan(QWidget* parent) {
-    if (!m_doc)
+    if (!m_open || isBusy())
         return;
     TimeMode mode = m_doc->GetTimeMode();
     if (!RunStyleCan(parent, mode, false))
@@ -136,7 +144,7 @@ void ClassicDocument::onStyleCan(QWidget* parent) {
 }
 
 void ClassicDocument::onStyleKLine(QWidget* parent) {
-    if (!m_doc)
+    if (!m_open || isBusy())
         return;
     TimeMode mode = m_doc->GetTimeMode();
     std::uint32_t byteTime = m_doc->ByteTime();
@@ -146,7 +154,7 @@ void ClassicDocument::onStyleKLine(QWidget* parent) {
 }
 
 void ClassicDocument::onCanFilter(QWidget* parent) {
-    if (!m_doc)
+    if (!m_open || isBusy())
         return;
     CanFilterPrompt& prompt = filterPrompt(parent);
     const CanFilterPrompt::Answer answer = prompt.Run(m_doc->BeginCanFilter());
@@ -156,19 +164,31 @@ void ClassicDocument::onCanFilter(QWidget* parent) {
 
 void ClassicDocument::finishCanFilter(const CanFilterPrompt::Answer& answer, const std::string& fltPath,
                                       QWidget* parent) {
-    if (!m_doc || !CAnalyzerDoc::CanFilterAnswerActs(answer))
+    if (!m_open || isBusy() || !CAnalyzerDoc::CanFilterAnswerActs(answer))
         return;
-    emit contentAboutToChange();
-    CollectedMessages messages;
-    {
-        WaitCursor wait;
-        runLongWork(
-            parent, answer.activate ? tr("Filtering %1").arg(m_path) : tr("Reading %1").arg(m_path), false,
-            [&](zdt::ProgressSink& progress) { m_doc->FinishCanFilter(answer, fltPath, &messages, &progress); });
-    }
-    messages.showAll(parent);
-    refreshStatus();
-    emit contentChanged();
+    CAnalyzerDoc* doc = m_doc.get();
+    runFilterWork(answer.activate ? tr("Filtering %1").arg(pathName()) : tr("Reading %1").arg(pathName()), parent,
+                  [doc, answer, fltPath](zdt::MessageSink& messages, zdt::OperationControl& control) {
+                      doc->FinishCanFilter(answer, fltPath, &messages, &control);
+                      return zdt::OperationStatus::Done;
+                  });
+}
+
+// A filter pass rewrites the rows and cannot stop half-way: its Cancel is not offered,
+// and the list shows no rows until it is done.
+void ClassicDocument::runFilterWork(const QString& label, QWidget* parent, zdt::OperationJob job) {
+    Q_EMIT contentAboutToChange();
+    const QPointer<QWidget> boxParent = parent;
+    const bool started = runOperation(
+        label, std::move(job),
+        [this, boxParent](const zdt::OperationOutcome& outcome) {
+            ShowMessages(boxParent, outcome.messages);
+            refreshStatus();
+            Q_EMIT contentChanged();
+        },
+        {}, false);
+    if (!started)
+        Q_EMIT contentChanged();
 }
 
 } // namespace zdtui

@@ -3,39 +3,33 @@
 #include "app/UiDocument.h"
 #include "classic/CAnalyzerDoc.h"
 
-#include <QPointer>
 #include <QString>
 
 #include <cstdint>
-#include <functional>
 #include <memory>
-
-class QProgressDialog;
 
 namespace zdtui {
 
 class CAnaView;
 
-// A classic trace in the application: one CAnalyzerDoc, its long work kept off the
-// thread of the windows, and the document's own commands (session info, time styles,
-// CAN filter).
+// A classic trace in the application: one CAnalyzerDoc whose list is on screen before
+// the file is indexed and grows with the index pass; its long work (the pass, the
+// filter passes) runs as the document's background operation; and the document's own
+// commands (session info, time styles, CAN filter).
 class ClassicDocument final : public UiDocument {
     Q_OBJECT
 public:
     ClassicDocument();
     ~ClassicDocument() override;
 
-    bool open(const QString& path, QWidget* dialogParent) override;
     QWidget* createView(QWidget* parent, StatusSink* status) override;
-    void close() override;
-    QString pathName() const override { return m_path; }
+    void afterOpen(QWidget* dialogParent) override;
 
-    // "Diagnostic Channel <path>" or "CAN Onboard Channel  <path>".
+    // "Diagnostic Channel <path>" or "CAN Onboard Channel  <path>" once the file is read.
     QString title() const;
-    // Null until the document opened.
     CAnalyzerDoc* analyzerDoc() { return m_doc.get(); }
     const CAnalyzerDoc* analyzerDoc() const { return m_doc.get(); }
-    // Who answers the CAN filter questions; the filter dialog unless set before open().
+    // Who answers the CAN filter questions; the filter dialog unless set before the open.
     void setFilterPrompt(std::unique_ptr<CanFilterPrompt> prompt);
     // Path and row count into the status bar.
     void refreshStatus();
@@ -49,26 +43,29 @@ public:
     // A time style chosen: every view shows the times anew.
     void setTimeMode(TimeMode mode, std::uint32_t byteTime = 1);
 
-signals:
-    // Long work on the document begins: views must stop reading it until contentChanged.
+Q_SIGNALS:
+    // Work that rebuilds the rows begins: views must stop reading them until contentChanged.
     void contentAboutToChange();
     // Rows, times, marks or results changed.
     void contentChanged();
-    // Long work shows its progress here; the dialog lives until the work ends.
-    void progressStarted(QProgressDialog* dialog);
+    // The index pass has published rows up to `rows`; views add them to their lists.
+    void rowsArrived(int rows);
+
+protected:
+    zdt::OperationJob openJob(const QString& path) override;
+    bool openEnded(const zdt::OperationOutcome& outcome) override;
+    void takeRowsReadSoFar() override;
+    void closeDocument() override;
 
 private:
-    // Runs `job` away from the windows under a progress dialog; false when cancelled.
-    bool runLongWork(QWidget* parent, const QString& label, bool cancellable,
-                     const std::function<void(zdt::ProgressSink&)>& job);
-    void offerHistoryFilter(QWidget* parent);
+    // Runs a filter pass (or the read that turns the filter off) as the document's operation.
+    void runFilterWork(const QString& label, QWidget* parent, zdt::OperationJob job);
     CanFilterPrompt& filterPrompt(QWidget* parent);
 
     std::unique_ptr<CAnalyzerDoc> m_doc;
     std::unique_ptr<CanFilterPrompt> m_filterPrompt;
-    QString m_path;
     StatusSink* m_status = nullptr;
-    bool m_closed = false;
+    bool m_open = false;
 };
 
 } // namespace zdtui

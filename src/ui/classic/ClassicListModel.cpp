@@ -47,7 +47,7 @@ void ClassicListModel::reload() {
     if (m_selected >= m_rows)
         m_selected = -1;
     endResetModel();
-    emit headerDataChanged(Qt::Horizontal, 0, ColumnCount - 1);
+    Q_EMIT headerDataChanged(Qt::Horizontal, 0, ColumnCount - 1);
 }
 
 void ClassicListModel::suspend() {
@@ -59,6 +59,17 @@ void ClassicListModel::suspend() {
     endResetModel();
 }
 
+void ClassicListModel::growTo(int rows) {
+    if (m_suspended || rows <= m_rows)
+        return;
+    // The first rows come once the head is read: a formatter made now knows the schema.
+    if (m_rows == 0)
+        m_formatter = std::make_unique<ClassicRowFormatter>(m_doc);
+    beginInsertRows(QModelIndex(), m_rows, rows - 1);
+    m_rows = rows;
+    endInsertRows();
+}
+
 void ClassicListModel::rowsChanged(int first, int last) {
     first = std::max(first, 0);
     last = std::min(last, m_rows - 1);
@@ -67,7 +78,7 @@ void ClassicListModel::rowsChanged(int first, int last) {
     for (CachedRow& cached : m_cache)
         if (cached.row >= first && cached.row <= last)
             cached.row = -1;
-    emit dataChanged(index(first, 0), index(last, ColumnCount - 1));
+    Q_EMIT dataChanged(index(first, 0), index(last, ColumnCount - 1));
 }
 
 void ClassicListModel::setSelectedRow(long long row) {
@@ -78,9 +89,9 @@ void ClassicListModel::setSelectedRow(long long row) {
     const long long previous = m_selected;
     m_selected = row;
     if (previous >= 0)
-        emit dataChanged(index(static_cast<int>(previous), 0), index(static_cast<int>(previous), ColumnCount - 1));
+        Q_EMIT dataChanged(index(static_cast<int>(previous), 0), index(static_cast<int>(previous), ColumnCount - 1));
     if (row >= 0)
-        emit dataChanged(index(static_cast<int>(row), 0), index(static_cast<int>(row), ColumnCount - 1));
+        Q_EMIT dataChanged(index(static_cast<int>(row), 0), index(static_cast<int>(row), ColumnCount - 1));
 }
 
 void ClassicListModel::setCacheCapacity(int rows) {

@@ -37,6 +37,8 @@ public:
     void reload();
     // No rows while the document is being rebuilt on another thread: nothing may read it.
     void suspend();
+    // The index pass has published `rows` rows: the list takes those beyond its count.
+    void growTo(int rows);
     // Marks (bookmarks, alarms) of these rows changed.
     void rowsChanged(int first, int last);
     void setSelectedRow(long long row);

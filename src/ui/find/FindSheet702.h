@@ -32,7 +32,7 @@ public:
     // the page) and "page<i>Radio<n>".
     static QString objectNameOf(int page, const QString& role);
 
-public slots:
+public Q_SLOTS:
     // Whatever way the sheet closes, the next run's page is settled here.
     void done(int result) override;
 

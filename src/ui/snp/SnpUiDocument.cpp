@@ -28,7 +28,7 @@ std::optional<int> SnpUiDocument::goTo(int id, int selectionMark, int itemCount,
 }
 
 void SnpUiDocument::onFind(QWidget* parent) {
-    if (isOpening())
+    if (isBusy())
         return;
     if (RunSnpFindDialog(parent, m_findCriteria))
         runFind(parent, m_findCriteria);

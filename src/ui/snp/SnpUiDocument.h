@@ -1,6 +1,6 @@
 #pragma once
 
-#include "snp/SnpDocInUi.h"
+#include "snp/SnpDoc.h"
 #include "xmldoc/XmlUiDocument.h"
 
 namespace zdtui {

@@ -1,6 +1,6 @@
 #include "snp/SnpView.h"
 
-#include "snp/SnpDocInUi.h"
+#include "snp/SnpDoc.h"
 #include "snp/SnpUiDocument.h"
 
 #include <QAction>

@@ -205,7 +205,7 @@ void AdornedListView::reportDrawFailure() {
 
 void AdornedListView::showFailure(const QString& text) {
     Boxes::instance().show(this, QString(), text, QMessageBox::Critical);
-    emit failureShown(text);
+    Q_EMIT failureShown(text);
 }
 
 void AdornedListView::addCommand(int id, CommandRoutine routine) {

@@ -131,7 +131,7 @@ public:
     // The text the model gives a cell: rowFlags, the line number, then fields 1 up.
     QString cellText(int row, int column);
 
-signals:
+Q_SIGNALS:
     // A view-level failure box was shown (draw failures show theirs deferred).
     void failureShown(const QString& text);
 

@@ -1,5 +1,7 @@
 #include "xmldoc/SaveAsName.h"
 
+#include <QFileDialog>
+
 namespace zdtui {
 
 std::string ProposedSaveAsName(const std::string& pathName) {
@@ -13,8 +15,45 @@ std::string SaveAsNameWithExtension(const std::string& name, int filterIndex) {
     if (filterIndex < 1 || filterIndex > SaveAsFilterCount)
         return name;
     const std::string suffix = std::string(".") + SaveAsFilters[filterIndex - 1].extension;
-    const bool present = name.size() >= suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
+    const bool present =
+        name.size() >= suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
     return present ? name : name + suffix;
 }
 
-}  // namespace zdtui
+QStringList SaveAsNameFilters() {
+    QStringList filters;
+    for (const SaveAsFilter& filter : SaveAsFilters)
+        filters << QStringLiteral("%1 (%2)").arg(QString::fromUtf8(filter.description),
+                                                 QString::fromUtf8(filter.pattern));
+    return filters;
+}
+
+void PrepareSaveAsDialog(QFileDialog& dialog, const QString& proposedName) {
+    dialog.setWindowTitle(QString::fromUtf8(AdornedListView::SaveAsTitle));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::HideNameFilterDetails, true);
+    dialog.setNameFilters(SaveAsNameFilters());
+    dialog.selectFile(proposedName);
+}
+
+int SaveAsFilterIndex(const QString& selectedNameFilter) {
+    const QStringList filters = SaveAsNameFilters();
+    const QString chosen = selectedNameFilter.trimmed();
+    for (int i = 0; i < SaveAsFilterCount; ++i) {
+        if (chosen == filters[i] || chosen == QString::fromUtf8(SaveAsFilters[i].description))
+            return i + 1;
+    }
+    return 0;
+}
+
+std::optional<AdornedListView::SaveAsChoice> RunSaveAsDialog(QWidget* parent, const QString& proposedName) {
+    QFileDialog dialog(parent);
+    PrepareSaveAsDialog(dialog, proposedName);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    return AdornedListView::SaveAsChoice{dialog.selectedFiles().first(),
+                                         SaveAsFilterIndex(dialog.selectedNameFilter())};
+}
+
+} // namespace zdtui

@@ -3,6 +3,7 @@
 #include "app/Boxes.h"
 #include "xmldoc/AdornedListModel.h"
 #include "xmldoc/BaseDoc.h"
+#include "xmldoc/SaveAsName.h"
 #include "xmldoc/XmlUiDocument.h"
 #include "xmldoc/dialogs/BookmarkDialogs.h"
 
@@ -13,7 +14,9 @@
 namespace zdtui {
 
 XmlListView::XmlListView(XmlUiDocument& document, const Family& family, QWidget* parent)
-    : AdornedListView(document.baseDoc(), parent), m_uiDocument(document), m_family(family) {}
+    : AdornedListView(document.baseDoc(), parent), m_uiDocument(document), m_family(family) {
+    setSaveAsChooser(RunSaveAsDialog);
+}
 
 void XmlListView::initialUpdate() {
     try {
@@ -36,11 +39,20 @@ void XmlListView::onDocumentChanged() {
 }
 
 void XmlListView::enterCommands() {
-    // Entered first so that they run last: while the file is read, nothing that reads
-    // the whole file (search, export, print, filter) may start.
-    for (int id : {FindId, FindNextId, FindPreviousId, SaveAsId, PrintId, PrintPreviewId, m_family.filterId}) {
+    // Entered first so that they run last: while the document's work runs, nothing that
+    // reads the whole file (search, export, print, filter) may start, nor the session
+    // information the read is still writing; while a search marks rows, no mark changes.
+    for (int id : {FindId, FindNextId, FindPreviousId, SaveAsId, PrintId, PrintPreviewId, m_family.filterId,
+                   m_family.sessionInformationId}) {
         addUpdateCommand(id, [this](QAction& action) {
-            if (m_uiDocument.isOpening())
+            if (m_uiDocument.isBusy())
+                action.setEnabled(false);
+        });
+    }
+    for (int id : {ToggleBookmarkId, ToggleBookmarkDialogId, ClearBookmarksId, NextBookmarkId, PreviousBookmarkId,
+                   BookmarkListId}) {
+        addUpdateCommand(id, [this](QAction& action) {
+            if (m_uiDocument.isBusy() && !m_uiDocument.isOpening())
                 action.setEnabled(false);
         });
     }
@@ -153,7 +165,10 @@ QAction* XmlListView::commandAction(ViewCommand command) {
     case ViewCommand::PreviousBookmark: return commandActionById(PreviousBookmarkId);
     case ViewCommand::ClearBookmarks: return commandActionById(ClearBookmarksId);
     case ViewCommand::BookmarkList: return commandActionById(BookmarkListId);
-    // A family without a filter routine leaves this action disabled.
+    // A family without a filter routine leaves this action disabled. The tool bar's filter
+    // button carries the classic command; it runs the family's filter, so that button and
+    // menu item are one action and cannot disagree about being enabled.
+    case ViewCommand::CanFilter:
     case ViewCommand::Filter: return commandActionById(m_family.filterId);
     default: return nullptr;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xpvt/XpvtDocInUi.h"
+#include "xpvt/XpvtDoc.h"
 
 #include <QDialog>
 

@@ -29,7 +29,7 @@ std::optional<int> XpvtUiDocument::goTo(int id, int selectionMark, int itemCount
 }
 
 void XpvtUiDocument::onFind(QWidget* parent) {
-    if (isOpening() || isSearching())
+    if (isBusy())
         return;
     ZDTAnalyzer::XpvtDoc& doc = xpvtDoc();
     const bool search = doc.is702() ? runFindSheet702(parent, doc.findCriteria702())
@@ -50,7 +50,7 @@ void XpvtUiDocument::onSessionInformation(QWidget* parent) {
 }
 
 void XpvtUiDocument::onFilter(QWidget* parent) {
-    if (isOpening())
+    if (isBusy())
         return;
     BoxMessageSink boxes(parent);
     xpvtDoc().filter(&boxes);

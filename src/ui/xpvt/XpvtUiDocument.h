@@ -1,7 +1,7 @@
 #pragma once
 
 #include "xmldoc/XmlUiDocument.h"
-#include "xpvt/XpvtDocInUi.h"
+#include "xpvt/XpvtDoc.h"
 
 namespace zdtui {
 

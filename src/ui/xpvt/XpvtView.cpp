@@ -1,7 +1,7 @@
 #include "xpvt/XpvtView.h"
 
 #include "xpvt/XpvtColumnSettings.h"
-#include "xpvt/XpvtDocInUi.h"
+#include "xpvt/XpvtDoc.h"
 #include "xpvt/XpvtUiDocument.h"
 
 #include <QAction>

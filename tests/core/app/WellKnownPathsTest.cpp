@@ -1,4 +1,5 @@
 #include "app/WellKnownPaths.h"
+#include "core/app/EnvironmentOverride.h"
 
 #include <gtest/gtest.h>
 
@@ -19,15 +20,13 @@ namespace {
 
 class ScratchDirectory {
 public:
-    ScratchDirectory()
-    {
+    ScratchDirectory() {
         std::string pattern = (fs::temp_directory_path() / "zdt-paths-XXXXXX").string();
         if (mkdtemp(pattern.data()) == nullptr)
             throw std::runtime_error("mkdtemp failed");
         m_path = pattern;
     }
-    ~ScratchDirectory()
-    {
+    ~ScratchDirectory() {
         std::error_code ignored;
         fs::remove_all(m_path, ignored);
     }
@@ -37,40 +36,13 @@ private:
     std::string m_path;
 };
 
-// Sets or clears an environment variable for one test and restores it afterwards.
-class EnvironmentOverride {
-public:
-    EnvironmentOverride(const char* name, const char* value) : m_name(name)
-    {
-        if (const char* old = std::getenv(name))
-            m_old = old;
-        if (value != nullptr)
-            setenv(name, value, 1);
-        else
-            unsetenv(name);
-    }
-    ~EnvironmentOverride()
-    {
-        if (m_old)
-            setenv(m_name, m_old->c_str(), 1);
-        else
-            unsetenv(m_name);
-    }
-
-private:
-    const char* m_name;
-    std::optional<std::string> m_old;
-};
-
-void WriteFile(const std::string& path, const std::string& text = "x")
-{
+void WriteFile(const std::string& path, const std::string& text = "x") {
     std::ofstream(path) << text;
 }
 
 } // namespace
 
-TEST(WellKnownPaths, BinaryDirIsAnalyzerBesideTheRunningExecutable)
-{
+TEST(WellKnownPaths, BinaryDirIsAnalyzerBesideTheRunningExecutable) {
     const std::string& dir = AnalyzerBinaryDir();
     ASSERT_GE(dir.size(), 10u);
     EXPECT_EQ(dir.substr(dir.size() - 10), "/Analyzer/");
@@ -79,8 +51,7 @@ TEST(WellKnownPaths, BinaryDirIsAnalyzerBesideTheRunningExecutable)
     EXPECT_EQ(&AnalyzerBinaryDir(), &dir);
 }
 
-TEST(WellKnownPaths, TempRootPrefersOverrideThenProgramThenUserDataHome)
-{
+TEST(WellKnownPaths, TempRootPrefersOverrideThenProgramThenUserDataHome) {
     ScratchDirectory scratch;
     const std::string writableBinaryDir = scratch.path() + "/install/bin/Analyzer/";
     WriteFile(scratch.path() + "/blocker");
@@ -101,13 +72,59 @@ TEST(WellKnownPaths, TempRootPrefersOverrideThenProgramThenUserDataHome)
     {
         EnvironmentOverride xdg("XDG_DATA_HOME", "relative/ignored");
         EnvironmentOverride userHome("HOME", (scratch.path() + "/user").c_str());
-        EXPECT_EQ(ResolveAnalyzerTempRoot(blockedBinaryDir),
-                  scratch.path() + "/user/.local/share/ZDT-Analyzer/Temp/");
+        EXPECT_EQ(ResolveAnalyzerTempRoot(blockedBinaryDir), scratch.path() + "/user/.local/share/ZDT-Analyzer/Temp/");
     }
 }
 
-TEST(WellKnownPaths, SessionDirNameCarriesTimeAndRandomValue)
-{
+TEST(WellKnownPaths, DataDirsOfOneInstallationFallBackTogether) {
+    ScratchDirectory scratch;
+    const std::string writableBinaryDir = scratch.path() + "/install/bin/Analyzer/";
+    WriteFile(scratch.path() + "/blocker");
+    const std::string blockedBinaryDir = scratch.path() + "/blocker/Analyzer";
+    EnvironmentOverride noHome("ZDT_ANALYZER_HOME", nullptr);
+    EnvironmentOverride xdg("XDG_DATA_HOME", (scratch.path() + "/data/").c_str());
+
+    EXPECT_EQ(ResolveAnalyzerDataDir(writableBinaryDir, "FilterDefaultDir"), writableBinaryDir + "FilterDefaultDir/");
+    EXPECT_EQ(ResolveAnalyzerDataDir(blockedBinaryDir, "FilterDefaultDir"),
+              scratch.path() + "/data/ZDT-Analyzer/FilterDefaultDir/");
+    EXPECT_EQ(ResolveAnalyzerDataDir(blockedBinaryDir, "CommonCANFilters"),
+              scratch.path() + "/data/ZDT-Analyzer/CommonCANFilters/");
+    EnvironmentOverride home("ZDT_ANALYZER_HOME", (scratch.path() + "/home").c_str());
+    EXPECT_EQ(ResolveAnalyzerDataDir(writableBinaryDir, "FilterDefaultDir"),
+              scratch.path() + "/home/FilterDefaultDir/");
+}
+
+TEST(WellKnownPaths, ReadOnlyInstallationIsNotWritable) {
+    if (geteuid() == 0)
+        GTEST_SKIP() << "permissions do not bind the super-user";
+    ScratchDirectory scratch;
+    const std::string installation = scratch.path() + "/inst";
+    fs::create_directories(installation + "/bin/Analyzer");
+    fs::permissions(installation, fs::perms::owner_read | fs::perms::owner_exec);
+    fs::permissions(installation + "/bin", fs::perms::owner_read | fs::perms::owner_exec);
+    fs::permissions(installation + "/bin/Analyzer", fs::perms::owner_read | fs::perms::owner_exec);
+    EnvironmentOverride noHome("ZDT_ANALYZER_HOME", nullptr);
+    EnvironmentOverride xdg("XDG_DATA_HOME", (scratch.path() + "/data").c_str());
+
+    EXPECT_FALSE(CanWriteOrCreateDirectory(installation + "/bin/Analyzer/Temp/"));
+    EXPECT_EQ(ResolveAnalyzerTempRoot(installation + "/bin/Analyzer/"), scratch.path() + "/data/ZDT-Analyzer/Temp/");
+    for (const char* dir : {"", "/bin", "/bin/Analyzer"})
+        fs::permissions(installation + dir, fs::perms::owner_all);
+}
+
+TEST(WellKnownPaths, WritableOrCreatableNeedsAnAbsoluteDirectoryAncestor) {
+    ScratchDirectory scratch;
+    WriteFile(scratch.path() + "/file");
+    EXPECT_TRUE(CanWriteOrCreateDirectory(scratch.path()));
+    EXPECT_TRUE(CanWriteOrCreateDirectory(scratch.path() + "/a/b/c/"));
+    EXPECT_FALSE(CanWriteOrCreateDirectory(scratch.path() + "/file"));
+    EXPECT_FALSE(CanWriteOrCreateDirectory(scratch.path() + "/file/below"));
+    EXPECT_FALSE(CanWriteOrCreateDirectory("C:/Traces/CommonCANFilters"));
+    EXPECT_FALSE(CanWriteOrCreateDirectory("relative"));
+    EXPECT_FALSE(CanWriteOrCreateDirectory(""));
+}
+
+TEST(WellKnownPaths, SessionDirNameCarriesTimeAndRandomValue) {
     const long before = static_cast<long>(std::time(nullptr));
     const std::string name = MakeSessionTempDirName("/root/Temp/");
     const long after = static_cast<long>(std::time(nullptr));
@@ -122,8 +139,7 @@ TEST(WellKnownPaths, SessionDirNameCarriesTimeAndRandomValue)
     EXPECT_LE(seconds, after);
 }
 
-TEST(WellKnownPaths, EnsureCreatesMissingParentsAndAcceptsExistingDirectories)
-{
+TEST(WellKnownPaths, EnsureCreatesMissingParentsAndAcceptsExistingDirectories) {
     ScratchDirectory scratch;
     const std::string root = scratch.path() + "/a/b/Temp/";
 
@@ -133,8 +149,7 @@ TEST(WellKnownPaths, EnsureCreatesMissingParentsAndAcceptsExistingDirectories)
     EXPECT_TRUE(EnsureTempDirectory(scratch.path() + "/a", TempRootFailureTitle).ok());
 }
 
-TEST(WellKnownPaths, PlainFileBlockingTheNameGivesTheCallersBox)
-{
+TEST(WellKnownPaths, PlainFileBlockingTheNameGivesTheCallersBox) {
     ScratchDirectory scratch;
     WriteFile(scratch.path() + "/Temp");
 
@@ -146,16 +161,14 @@ TEST(WellKnownPaths, PlainFileBlockingTheNameGivesTheCallersBox)
     EXPECT_TRUE(fs::is_regular_file(scratch.path() + "/Temp"));
 }
 
-TEST(WellKnownPaths, CreationFailureOtherThanABlockingFileIsNotReported)
-{
+TEST(WellKnownPaths, CreationFailureOtherThanABlockingFileIsNotReported) {
     ScratchDirectory scratch;
     WriteFile(scratch.path() + "/file");
     // The parent is a file, so nothing can be made; only a blocked name itself stops start-up.
     EXPECT_TRUE(EnsureTempDirectory(scratch.path() + "/file/Temp/", TempRootFailureTitle).ok());
 }
 
-TEST(WellKnownPaths, RemovalDeletesFilesButLeavesSubdirectories)
-{
+TEST(WellKnownPaths, RemovalDeletesFilesButLeavesSubdirectories) {
     ScratchDirectory scratch;
     const std::string session = scratch.path() + "/temp1_2/";
     fs::create_directories(session + "sub");
@@ -177,8 +190,7 @@ TEST(WellKnownPaths, RemovalDeletesFilesButLeavesSubdirectories)
     EXPECT_FALSE(fs::exists(session));
 }
 
-TEST(WellKnownPaths, RemovalLeavesAnythingButADirectoryAlone)
-{
+TEST(WellKnownPaths, RemovalLeavesAnythingButADirectoryAlone) {
     ScratchDirectory scratch;
     WriteFile(scratch.path() + "/plain");
     RemoveSessionTempDir(scratch.path() + "/plain");
@@ -187,8 +199,7 @@ TEST(WellKnownPaths, RemovalLeavesAnythingButADirectoryAlone)
     EXPECT_TRUE(fs::is_regular_file(scratch.path() + "/plain"));
 }
 
-TEST(SessionTempDirectory, MakesRootAndSessionAndRemovesSessionOnDestruction)
-{
+TEST(SessionTempDirectory, MakesRootAndSessionAndRemovesSessionOnDestruction) {
     ScratchDirectory scratch;
     const std::string root = scratch.path() + "/Analyzer/Temp/";
     std::string sessionPath;
@@ -205,8 +216,7 @@ TEST(SessionTempDirectory, MakesRootAndSessionAndRemovesSessionOnDestruction)
     EXPECT_TRUE(fs::is_directory(root));
 }
 
-TEST(SessionTempDirectory, BlockedRootStopsBeforeTheSessionIsKept)
-{
+TEST(SessionTempDirectory, BlockedRootStopsBeforeTheSessionIsKept) {
     ScratchDirectory scratch;
     WriteFile(scratch.path() + "/Temp");
     SessionTempDirectory session;
@@ -217,8 +227,7 @@ TEST(SessionTempDirectory, BlockedRootStopsBeforeTheSessionIsKept)
     EXPECT_TRUE(session.Path().empty());
 }
 
-TEST(SessionTempDirectory, BlockedSessionNameGivesTheSecondBoxAndKeepsTheFile)
-{
+TEST(SessionTempDirectory, BlockedSessionNameGivesTheSecondBoxAndKeepsTheFile) {
     ScratchDirectory scratch;
     const std::string root = scratch.path() + "/Temp/";
     fs::create_directories(root);

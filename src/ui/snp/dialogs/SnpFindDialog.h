@@ -25,7 +25,7 @@ public:
     static QString checkBoxName(ZDTAnalyzer::Find::SNP::FindField field);
     static QString editName(ZDTAnalyzer::Find::SNP::FindField field);
 
-public slots:
+public Q_SLOTS:
     // "Find".
     void accept() override;
 

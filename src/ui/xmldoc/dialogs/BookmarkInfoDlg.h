@@ -23,7 +23,7 @@ public:
     std::string name() const;
     std::string description() const;
 
-public slots:
+public Q_SLOTS:
     // OK: refuses an empty name with a warning and stays open.
     void accept() override;
 

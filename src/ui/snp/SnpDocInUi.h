@@ -1,8 +1,0 @@
-#pragma once
-
-// The core's consumer context names a member "slots", which Qt defines as a keyword
-// macro: the snapshot document's headers are read with the macro set aside.
-#pragma push_macro("slots")
-#undef slots
-#include "snp/SnpDoc.h"
-#pragma pop_macro("slots")
