@@ -17,11 +17,13 @@ unsigned ReadHex(const std::string& text) {
 
 } // namespace
 
-CAnalyzerDoc::CAnalyzerDoc() { ResetIdTable(); }
+CAnalyzerDoc::CAnalyzerDoc() {
+    ResetIdTable();
+}
 
 CAnalyzerDoc::~CAnalyzerDoc() {
-    if (m_traceFile)
-        m_traceFile->CloseTrace();
+    if (m_fileObject)
+        m_fileObject->CloseTrace();
 }
 
 void CAnalyzerDoc::ClearRunningTime() {
@@ -31,7 +33,9 @@ void CAnalyzerDoc::ClearRunningTime() {
     m_runningDelta = 0;
 }
 
-void CAnalyzerDoc::ResetIdTable() { m_idTable.fill(FreeSlot); }
+void CAnalyzerDoc::ResetIdTable() {
+    m_idTable.fill(FreeSlot);
+}
 
 bool CAnalyzerDoc::OnOpenDocument(const std::string& path, zdt::MessageSink* messages, zdt::ProgressSink* progress,
                                   CanFilterPrompt* filterPrompt) {
@@ -43,40 +47,55 @@ bool CAnalyzerDoc::OnOpenDocument(const std::string& path, zdt::MessageSink* mes
     if (&path != &m_pathName)
         m_pathName = path;
 
-    auto file = std::make_unique<CTraceFile>();
-    if (!file->OpenTrace(path, messages, progress)) {
+    // A reader on another thread finds the file from the start; it reads nothing of it
+    // before the index pass publishes rows.
+    m_traceFile.store(nullptr, std::memory_order_release);
+    m_fileObject = std::make_unique<CTraceFile>();
+    CTraceFile& file = *m_fileObject;
+    m_traceFile.store(&file, std::memory_order_release);
+    bool opened = file.OpenHead(path, messages);
+    if (opened) {
+        StoreHeadValues(file);
+        opened = file.IndexTrace(progress);
+    }
+    if (!opened) {
         // A cancelled index pass is a document that did not open, without a box.
-        if (messages != nullptr && !file->WasCancelled()) {
+        if (messages != nullptr && !file.WasCancelled()) {
             char text[4096];
             std::snprintf(text, sizeof text, "The TraceFile %s is an invalid trace file!", path.c_str());
             messages->showMessage(zdt::UserMessage{"", text, zdt::MessageIcon::Error});
         }
-        m_traceFile.reset();
+        m_traceFile.store(nullptr, std::memory_order_release);
         return false;
     }
-    m_traceFile = std::move(file);
-    m_title = m_traceFile->GetTitle();
-    m_schemaNumber = m_traceFile->GetSchemaNumber();
-    m_creator = m_traceFile->GetCreator();
-    m_productVersion = m_traceFile->GetProductVersion();
-    m_interfaceBoard = m_traceFile->GetInterfaceBoard();
-    m_date = m_traceFile->GetDate();
-    m_time = m_traceFile->GetTime();
-    m_lastFilterName = m_traceFile->GetLastFilter();
-    m_filterWasActive = m_traceFile->GetFilterActive() ? 1 : 0;
-
-    const bool diagnostic = m_title == kZdtTitle && !m_traceFile->SeenIdentifier() && !m_traceFile->SeenFlex();
-    m_isDiagnosticTrace = diagnostic ? 1 : 0;
-    m_isCanTrace = diagnostic ? 0 : 1;
-    m_deltaFile = m_title == kZdtTitle && (m_schemaNumber == 2 || m_schemaNumber == 501 || m_schemaNumber == 5);
+    m_lastFilterName = file.GetLastFilter();
+    m_filterWasActive = file.GetFilterActive() ? 1 : 0;
+    const bool diagnostic = m_title == kZdtTitle && !file.SeenIdentifier() && !file.SeenFlex();
+    m_isDiagnosticTrace.store(diagnostic ? 1 : 0, std::memory_order_relaxed);
+    m_isCanTrace.store(diagnostic ? 0 : 1, std::memory_order_relaxed);
 
     if (filterPrompt != nullptr)
         OfferHistoryFilter(*filterPrompt);
     return true;
 }
 
+void CAnalyzerDoc::StoreHeadValues(const CTraceFile& file) {
+    m_title = file.GetTitle();
+    m_schemaNumber = file.GetSchemaNumber();
+    m_creator = file.GetCreator();
+    m_productVersion = file.GetProductVersion();
+    m_interfaceBoard = file.GetInterfaceBoard();
+    m_date = file.GetDate();
+    m_time = file.GetTime();
+    m_deltaFile = m_title == kZdtTitle && (m_schemaNumber == 2 || m_schemaNumber == 501 || m_schemaNumber == 5);
+    // Until the pass has seen the whole file, a ZDT trace counts as a diagnostic trace.
+    const bool diagnostic = m_title == kZdtTitle;
+    m_isDiagnosticTrace.store(diagnostic ? 1 : 0, std::memory_order_relaxed);
+    m_isCanTrace.store(diagnostic ? 0 : 1, std::memory_order_relaxed);
+}
+
 std::optional<CanFilterPrompt::Request> CAnalyzerDoc::HistoryFilterRequest() const {
-    if (!m_traceFile || !m_currentFilterName.empty() || m_lastFilterName.empty())
+    if (TraceFile() == nullptr || !m_currentFilterName.empty() || m_lastFilterName.empty())
         return std::nullopt;
     return CanFilterPrompt::Request{m_filterWasActive != 0, m_lastFilterName, true};
 }
@@ -108,12 +127,13 @@ bool CAnalyzerDoc::CanFilterAnswerActs(const CanFilterPrompt::Answer& answer) {
 }
 
 void CAnalyzerDoc::OnCloseDocument(bool writeHistory) {
-    if (!m_traceFile)
+    CTraceFile* file = TraceFile();
+    if (file == nullptr)
         return;
-    m_traceFile->CloseTrace();
+    file->CloseTrace();
     const bool changed = m_currentFilterName != m_lastFilterName || m_filterActive != m_filterWasActive;
     if (writeHistory && changed)
-        m_traceFile->AppendFilterHistory(m_currentFilterName, m_filterActive != 0);
+        file->AppendFilterHistory(m_currentFilterName, m_filterActive != 0);
 }
 
 void CAnalyzerDoc::ApplyFilter(const std::string& fltPath, const std::string& name, zdt::ProgressSink* progress) {
@@ -137,9 +157,9 @@ void CAnalyzerDoc::ApplyFilter(const std::string& fltPath, const std::string& na
 }
 
 void CAnalyzerDoc::FilterPass(zdt::ProgressSink* progress) {
-    if (!m_traceFile)
+    if (TraceFile() == nullptr)
         return;
-    CTraceFile& file = *m_traceFile;
+    CTraceFile& file = *TraceFile();
     file.SetVisibleCount(0);
     file.VisibleOffsets().Clear();
     file.AbsoluteTimes().Clear();
@@ -148,7 +168,7 @@ void CAnalyzerDoc::FilterPass(zdt::ProgressSink* progress) {
     file.ChannelTimeList().Clear();
     ClearRunningTime();
 
-    const std::uint32_t total = file.TotalCount();
+    const auto total = static_cast<std::uint32_t>(file.TotalCount());
     char line[CTraceFile::MaxRecordLine + 1];
     for (std::uint32_t i = 0; i < total; ++i) {
         if (progress != nullptr && (i & 0xFFFF) == 0)
@@ -208,14 +228,14 @@ void CAnalyzerDoc::RecordStep(const CTraceItem& item, std::uint64_t offset) {
     if (!kept)
         return;
 
-    CTraceFile& file = *m_traceFile;
+    CTraceFile& file = *TraceFile();
     file.VisibleOffsets().Append(offset);
     file.AbsoluteTimes().Append(m_runningAbsolute);
     file.DeltaTimes().Append(m_runningDelta);
     // What dropped records carried is now spent.
     m_runningDelta = 0;
     m_previousFilteredTime = m_deltaFile ? 0 : m_runningAbsolute;
-    if (m_isCanTrace)
+    if (IsCanTrace())
         file.ChannelDeltas().Append(file.ChannelTimeList().Exchange(channel, m_runningAbsolute));
     file.SetVisibleCount(file.VisibleCount() + 1);
 }
@@ -253,8 +273,8 @@ void CAnalyzerDoc::FinishCanFilter(const CanFilterPrompt::Answer& answer, const 
         m_bookmarks.clear();
         // Without a filter every record is visible again: read the file anew. The
         // history's filter is not offered a second time on this re-read.
-        if (m_traceFile)
-            m_traceFile->CloseTrace();
+        if (TraceFile() != nullptr)
+            TraceFile()->CloseTrace();
         OnOpenDocument(m_pathName, messages, progress, nullptr);
         m_needsHeaderUpdate = 1;
     } else if (answer.changed) {
@@ -276,7 +296,7 @@ void CAnalyzerDoc::SetTimeMode(TimeMode mode, std::uint32_t byteTime) {
         m_findUnitText = "s";
         break;
     case TimeMode::Relative:
-        m_findBoundsText = m_isCanTrace ? "ms < x <" : "ms  < x <";
+        m_findBoundsText = IsCanTrace() ? "ms < x <" : "ms  < x <";
         m_findUnitText = "ms";
         break;
     case TimeMode::RelativeChannel:
@@ -303,23 +323,37 @@ TimeMode CAnalyzerDoc::GetTimeMode() const {
 }
 
 bool CAnalyzerDoc::HasChannelColumn() const {
-    return m_traceFile && m_schemaNumber <= 700 && m_traceFile->SeenChannel();
+    const CTraceFile* file = TraceFile();
+    return file != nullptr && m_schemaNumber <= 700 && file->SeenChannel();
 }
 bool CAnalyzerDoc::HasIdentifierColumn() const {
-    return m_traceFile && (m_traceFile->SeenIdentifier() || m_traceFile->SeenFlex());
+    const CTraceFile* file = TraceFile();
+    return file != nullptr && (file->SeenIdentifier() || file->SeenFlex());
 }
-bool CAnalyzerDoc::HasSourceColumn() const { return m_traceFile && m_traceFile->SeenSource(); }
-bool CAnalyzerDoc::HasDestinationColumn() const { return m_traceFile && m_traceFile->SeenDestination(); }
-bool CAnalyzerDoc::HasPriorityColumn() const { return m_traceFile && m_traceFile->SeenPriority(); }
-bool CAnalyzerDoc::HasClass4() const { return m_traceFile && m_traceFile->SeenClass4(); }
-bool CAnalyzerDoc::HasClass0() const { return m_traceFile && m_traceFile->SeenClass0(); }
-bool CAnalyzerDoc::HasClass8() const { return m_traceFile && m_traceFile->SeenClass8(); }
+bool CAnalyzerDoc::HasSourceColumn() const {
+    return TraceFile() != nullptr && TraceFile()->SeenSource();
+}
+bool CAnalyzerDoc::HasDestinationColumn() const {
+    return TraceFile() != nullptr && TraceFile()->SeenDestination();
+}
+bool CAnalyzerDoc::HasPriorityColumn() const {
+    return TraceFile() != nullptr && TraceFile()->SeenPriority();
+}
+bool CAnalyzerDoc::HasClass4() const {
+    return TraceFile() != nullptr && TraceFile()->SeenClass4();
+}
+bool CAnalyzerDoc::HasClass0() const {
+    return TraceFile() != nullptr && TraceFile()->SeenClass0();
+}
+bool CAnalyzerDoc::HasClass8() const {
+    return TraceFile() != nullptr && TraceFile()->SeenClass8();
+}
 
-bool CAnalyzerDoc::IsBookmarked(std::uint32_t row) const {
+bool CAnalyzerDoc::IsBookmarked(zdt::RowIndex row) const {
     return std::binary_search(m_bookmarks.begin(), m_bookmarks.end(), row);
 }
 
-void CAnalyzerDoc::ToggleBookmark(std::uint32_t row) {
+void CAnalyzerDoc::ToggleBookmark(zdt::RowIndex row) {
     const auto at = std::lower_bound(m_bookmarks.begin(), m_bookmarks.end(), row);
     if (at != m_bookmarks.end() && *at == row)
         m_bookmarks.erase(at);
@@ -327,20 +361,20 @@ void CAnalyzerDoc::ToggleBookmark(std::uint32_t row) {
         m_bookmarks.insert(at, row);
 }
 
-long long CAnalyzerDoc::NextBookmark(long long row) const {
+zdt::RowIndex CAnalyzerDoc::NextBookmark(zdt::RowIndex row) const {
     if (m_bookmarks.empty())
-        return -1;
-    for (const std::uint32_t bookmark : m_bookmarks)
-        if (static_cast<long long>(bookmark) > row)
+        return zdt::NoRow;
+    for (const zdt::RowIndex bookmark : m_bookmarks)
+        if (bookmark > row)
             return bookmark;
     return m_bookmarks.front();
 }
 
-long long CAnalyzerDoc::PreviousBookmark(long long row) const {
+zdt::RowIndex CAnalyzerDoc::PreviousBookmark(zdt::RowIndex row) const {
     if (m_bookmarks.empty())
-        return -1;
+        return zdt::NoRow;
     for (auto it = m_bookmarks.rbegin(); it != m_bookmarks.rend(); ++it)
-        if (static_cast<long long>(*it) < row)
+        if (*it < row)
             return *it;
     return m_bookmarks.back();
 }

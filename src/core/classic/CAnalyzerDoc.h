@@ -1,10 +1,12 @@
 #pragma once
 
 #include "classic/CanFilterPrompt.h"
+#include "common/RowTypes.h"
 #include "common/UserMessage.h"
 #include "trace/CTraceFile.h"
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -15,6 +17,13 @@ enum class TimeMode { Absolute, Relative, RelativeChannel, InterByte };
 
 // The document of a classic trace: the file and its index, the classification, the CAN
 // filter, the time mode, bookmarks and find results. No window is involved here.
+//
+// While OnOpenDocument runs on one thread, one other thread may build a
+// ClassicRowFormatter over the document and format, read or get the rows below
+// RowsReadSoFar(); nothing else may be called until the open returns. The head's values
+// (title, schema, delta file) hold from the first row on; whether the trace is a CAN or a
+// diagnostic trace is known only at the end, so the alarm mark ("A", "BA") of rows formatted
+// during the open can differ from the final rows.
 class CAnalyzerDoc {
 public:
     static constexpr std::size_t IdTableSize = 200;
@@ -26,7 +35,8 @@ public:
     CAnalyzerDoc& operator=(const CAnalyzerDoc&) = delete;
 
     // Opens and indexes the trace; a filter named in the file's history is offered to
-    // `filterPrompt` (none: it is not re-applied). False leaves no usable document.
+    // `filterPrompt` (none: it is not re-applied). False leaves no usable document; the file
+    // object of a failed open lives on, unreadable, until the next open or the destructor.
     bool OnOpenDocument(const std::string& path, zdt::MessageSink* messages = nullptr,
                         zdt::ProgressSink* progress = nullptr, CanFilterPrompt* filterPrompt = nullptr);
     // Closes the trace; appends the filter history when the filter changed and `writeHistory`.
@@ -68,13 +78,30 @@ public:
     const char* FindBoundsText() const { return m_findBoundsText; }
     const char* FindUnitText() const { return m_findUnitText; }
 
-    CTraceItemI* GetItem(std::uint32_t index) { return m_traceFile ? m_traceFile->GetItem(index) : nullptr; }
+    CTraceItemI* GetItem(zdt::RowIndex index) {
+        CTraceFile* file = TraceFile();
+        return file != nullptr ? file->GetItem(index) : nullptr;
+    }
     void ReleaseItem(CTraceItem* item) { delete item; }
     // Reads row `index` into a fresh record of the caller's, without a heap record.
-    bool ReadItem(std::uint32_t index, CTraceItemI& item) { return m_traceFile && m_traceFile->ReadItem(index, item); }
-    std::uint32_t GetVisibleCount() const { return m_traceFile ? m_traceFile->VisibleCount() : 0; }
-    CTraceFile* TraceFile() { return m_traceFile.get(); }
-    const CTraceFile* TraceFile() const { return m_traceFile.get(); }
+    bool ReadItem(zdt::RowIndex index, CTraceItemI& item) {
+        CTraceFile* file = TraceFile();
+        return file != nullptr && file->ReadItem(index, item);
+    }
+    zdt::RowCount GetVisibleCount() const {
+        const CTraceFile* file = TraceFile();
+        return file != nullptr ? file->VisibleCount() : 0;
+    }
+    // Rows an open has indexed so far, growing in batches while it runs: 0 before the first
+    // batch, after a failed or cancelled open and without a trace; GetVisibleCount() after
+    // a successful open. Any thread may ask.
+    zdt::RowCount RowsReadSoFar() const {
+        const CTraceFile* file = TraceFile();
+        return file != nullptr ? file->RowsReadSoFar() : 0;
+    }
+    // The trace being opened or open; null without one and after a failed open.
+    CTraceFile* TraceFile() { return m_traceFile.load(std::memory_order_acquire); }
+    const CTraceFile* TraceFile() const { return m_traceFile.load(std::memory_order_acquire); }
 
     bool HasChannelColumn() const;
     bool HasIdentifierColumn() const;
@@ -86,15 +113,15 @@ public:
     bool HasClass8() const;
 
     // Bookmarks: row numbers in row order.
-    const std::vector<std::uint32_t>& Bookmarks() const { return m_bookmarks; }
-    bool IsBookmarked(std::uint32_t row) const;
-    void ToggleBookmark(std::uint32_t row);
+    const std::vector<zdt::RowIndex>& Bookmarks() const { return m_bookmarks; }
+    bool IsBookmarked(zdt::RowIndex row) const;
+    void ToggleBookmark(zdt::RowIndex row);
     void ClearBookmarks() { m_bookmarks.clear(); }
-    // Nearest bookmark after / before `row`, wrapping; -1 with no bookmark.
-    long long NextBookmark(long long row) const;
-    long long PreviousBookmark(long long row) const;
-    std::vector<std::uint32_t>& FindResults() { return m_findResults; }
-    const std::vector<std::uint32_t>& FindResults() const { return m_findResults; }
+    // Nearest bookmark after / before `row`, wrapping; zdt::NoRow with no bookmark.
+    zdt::RowIndex NextBookmark(zdt::RowIndex row) const;
+    zdt::RowIndex PreviousBookmark(zdt::RowIndex row) const;
+    std::vector<zdt::RowIndex>& FindResults() { return m_findResults; }
+    const std::vector<zdt::RowIndex>& FindResults() const { return m_findResults; }
 
     const std::string& GetPathName() const { return m_pathName; }
     const std::string& Title() const { return m_title; }
@@ -106,8 +133,8 @@ public:
     const std::string& LastFilterName() const { return m_lastFilterName; }
     const std::string& CurrentFilterName() const { return m_currentFilterName; }
     std::int32_t SchemaNumber() const { return m_schemaNumber; }
-    bool IsCanTrace() const { return m_isCanTrace != 0; }
-    bool IsDiagnosticTrace() const { return m_isDiagnosticTrace != 0; }
+    bool IsCanTrace() const { return m_isCanTrace.load(std::memory_order_relaxed) != 0; }
+    bool IsDiagnosticTrace() const { return m_isDiagnosticTrace.load(std::memory_order_relaxed) != 0; }
     bool IsDeltaFile() const { return m_deltaFile != 0; }
     bool IsFilterActive() const { return m_filterActive != 0; }
     bool IsStopFilter() const { return m_stopFilter != 0; }
@@ -125,18 +152,24 @@ private:
     void ResetIdTable();
     void ClearRunningTime();
 
-    std::unique_ptr<CTraceFile> m_traceFile;
+    void StoreHeadValues(const CTraceFile& file);
+
+    // The file object of the last open, kept for a reader on another thread even when the
+    // open failed; m_traceFile is what readers see, null when no trace is open.
+    std::unique_ptr<CTraceFile> m_fileObject;
+    std::atomic<CTraceFile*> m_traceFile{nullptr};
     std::string m_pathName;
-    std::vector<std::uint32_t> m_bookmarks;
-    std::vector<std::uint32_t> m_findResults;
+    std::vector<zdt::RowIndex> m_bookmarks;
+    std::vector<zdt::RowIndex> m_findResults;
     std::string m_title, m_creator, m_productVersion, m_interfaceBoard, m_date, m_time;
     std::string m_lastFilterName, m_currentFilterName;
     std::int32_t m_schemaNumber = 0;
     std::uint8_t m_stopFilter = 0;
     std::uint8_t m_filterActive = 0;
     std::uint8_t m_filterWasActive = 0;
-    std::uint8_t m_isCanTrace = 0;
-    std::uint8_t m_isDiagnosticTrace = 0;
+    // Known at the end of an open, while a reader may be formatting rows.
+    std::atomic<std::uint8_t> m_isCanTrace{0};
+    std::atomic<std::uint8_t> m_isDiagnosticTrace{0};
     std::uint8_t m_deltaFile = 0;
     std::uint8_t m_needsHeaderUpdate = 0;
     std::uint8_t m_showAbsolute = 0;

@@ -29,11 +29,20 @@ std::string PaddedHexByte(std::uint32_t value) {
 
 const char* TypeWord(std::uint16_t type) {
     switch (type) {
-    case 0x0003: case 0x8002: return "K line byte sent";
-    case 0x0004: case 0x8003: return "K line byte received";
-    case 0x0021: case 0x8012: return "Can frame sent";
-    case 0x0020: case 0x8013: return "Can frame received";
-    default: return "";
+    case 0x0003:
+    case 0x8002:
+        return "K line byte sent";
+    case 0x0004:
+    case 0x8003:
+        return "K line byte received";
+    case 0x0021:
+    case 0x8012:
+        return "Can frame sent";
+    case 0x0020:
+    case 0x8013:
+        return "Can frame received";
+    default:
+        return "";
     }
 }
 
@@ -54,7 +63,7 @@ std::string ReportHead(const CAnalyzerDoc& doc, int edition) {
     return head;
 }
 
-std::string ClassicReportFormatter::FormatLine(std::uint32_t row) {
+std::string ClassicReportFormatter::FormatLine(zdt::RowIndex row) {
     CTraceItemI item;
     RecordReader* reader = m_reader.Get();
     if (reader == nullptr || !reader->ReadItem(row, item)) {
@@ -161,8 +170,8 @@ bool WriteSbtReport(CAnalyzerDoc& doc, const std::string& path, int edition, zdt
     const std::string head = ReportHead(doc, edition);
     bool ok = std::fwrite(head.data(), 1, head.size(), out) == head.size();
     ClassicReportFormatter formatter(doc);
-    const std::uint32_t rows = doc.GetVisibleCount();
-    for (std::uint32_t row = 0; ok && row < rows; ++row) {
+    const zdt::RowCount rows = doc.GetVisibleCount();
+    for (zdt::RowIndex row = 0; ok && row < rows; ++row) {
         const std::string line = formatter.FormatLine(row);
         ok = std::fwrite(line.data(), 1, line.size(), out) == line.size();
         if (progress != nullptr && (row & 0xFFFF) == 0 && !progress->onProgress(row, rows))

@@ -19,7 +19,7 @@ class ClassicReportFormatter {
 public:
     explicit ClassicReportFormatter(CAnalyzerDoc& doc) : m_doc(doc), m_reader(doc) {}
     // Empty when the record cannot be read.
-    std::string FormatLine(std::uint32_t row);
+    std::string FormatLine(zdt::RowIndex row);
 
 private:
     CAnalyzerDoc& m_doc;

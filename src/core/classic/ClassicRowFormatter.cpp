@@ -32,17 +32,23 @@ namespace {
 const char kHexDigits[] = "0123456789ABCDEF";
 
 // "%02x" upper-cased.
-void AppendHexByteUpper(std::string& out, std::uint32_t value) { textformat::AppendHex(out, value, 2, '0'); }
+void AppendHexByteUpper(std::string& out, std::uint32_t value) {
+    textformat::AppendHex(out, value, 2, '0');
+}
 
 std::uint32_t RowColour(const CTraceItem& item) {
     if (item.HasSeverity()) {
         std::uint8_t severity = 0;
         item.GetSeverity(severity);
         switch (severity) {
-        case 1: return ColourRed;
-        case 2: return ColourGreen;
-        case 5: return ColourBlue;
-        default: return 0x000000;
+        case 1:
+            return ColourRed;
+        case 2:
+            return ColourGreen;
+        case 5:
+            return ColourBlue;
+        default:
+            return 0x000000;
         }
     }
     std::uint8_t direction = 0;
@@ -82,7 +88,7 @@ std::string DataBytesText(const CTraceItem& item) {
     return text;
 }
 
-void ClassicRowFormatter::TimeCell(std::uint32_t row, const CTraceItem& item, std::string& cell, bool& alarm) {
+void ClassicRowFormatter::TimeCell(zdt::RowIndex row, const CTraceItem& item, std::string& cell, bool& alarm) {
     if (!item.HasTime())
         return;
     if (m_doc.SchemaNumber() == 701) {
@@ -97,7 +103,7 @@ void ClassicRowFormatter::TimeCell(std::uint32_t row, const CTraceItem& item, st
         AppendFormattedTime(cell, time.value, time.digits);
 }
 
-void ClassicRowFormatter::FillColumns(std::uint32_t row, const CTraceItem& item, ClassicRow& out, bool& alarm) {
+void ClassicRowFormatter::FillColumns(zdt::RowIndex row, const CTraceItem& item, ClassicRow& out, bool& alarm) {
     auto& c = out.columns;
     std::uint8_t channel = 0;
     if (item.HasChannel() && item.GetChannel(channel) == 0 && channel != 0)
@@ -142,13 +148,13 @@ void ClassicRowFormatter::FillColumns(std::uint32_t row, const CTraceItem& item,
         item.GetPcTimeText(c[7]);
 }
 
-ClassicRow ClassicRowFormatter::Format(std::uint32_t row, long long selectedRow) {
+ClassicRow ClassicRowFormatter::Format(zdt::RowIndex row, zdt::RowIndex selectedRow) {
     ClassicRow out;
     Format(row, out, selectedRow);
     return out;
 }
 
-void ClassicRowFormatter::Format(std::uint32_t row, ClassicRow& out, long long selectedRow) {
+void ClassicRowFormatter::Format(zdt::RowIndex row, ClassicRow& out, zdt::RowIndex selectedRow) {
     for (std::string& column : out.columns)
         column.clear();
     out.mark = " ";
@@ -166,6 +172,6 @@ void ClassicRowFormatter::Format(std::uint32_t row, ClassicRow& out, long long s
     bool alarm = false;
     FillColumns(row, item, out, alarm);
     out.mark = alarm ? (bookmarked ? "BA" : "A") : (bookmarked ? "B" : " ");
-    if (selectedRow >= 0 && static_cast<long long>(row) == selectedRow)
+    if (selectedRow >= 0 && row == selectedRow)
         out.background = ColourSelectedRow;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "classic/ClassicTime.h"
+#include "common/RowTypes.h"
 
 #include <array>
 #include <cstdint>
@@ -47,17 +48,18 @@ void AppendDataBytesText(std::string& text, const CTraceItem& item);
 class ClassicRowFormatter {
 public:
     // Each formatter reads through a reader of its own: formatters on several threads
-    // may format rows of one document at once.
+    // may format rows of one document at once, and one may format the rows below
+    // RowsReadSoFar() while the document is being opened.
     explicit ClassicRowFormatter(CAnalyzerDoc& doc) : m_doc(doc), m_reader(doc) {}
-    // `selectedRow` < 0: no selection.
-    ClassicRow Format(std::uint32_t row, long long selectedRow = -1);
+    // `selectedRow` zdt::NoRow: no selection.
+    ClassicRow Format(zdt::RowIndex row, zdt::RowIndex selectedRow = zdt::NoRow);
     // The same into `out`, reusing its strings: for callers that format rows by the million.
-    void Format(std::uint32_t row, ClassicRow& out, long long selectedRow = -1);
+    void Format(zdt::RowIndex row, ClassicRow& out, zdt::RowIndex selectedRow = zdt::NoRow);
     // The column texts of a record, with its time cell and the alarm flag.
-    void FillColumns(std::uint32_t row, const CTraceItem& item, ClassicRow& out, bool& alarm);
+    void FillColumns(zdt::RowIndex row, const CTraceItem& item, ClassicRow& out, bool& alarm);
 
 private:
-    void TimeCell(std::uint32_t row, const CTraceItem& item, std::string& cell, bool& alarm);
+    void TimeCell(zdt::RowIndex row, const CTraceItem& item, std::string& cell, bool& alarm);
 
     CAnalyzerDoc& m_doc;
     DocumentRecordReader m_reader;

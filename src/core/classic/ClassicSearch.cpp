@@ -28,8 +28,8 @@ bool EventFlagSet(const ClassicFindCriteria& c, std::uint32_t code) {
 }
 
 bool AnyEventCheck(const ClassicFindCriteria& c) {
-    return c.errorPassive || c.warning96 || c.errorActive || c.receivedCorruptedBytes || c.busOff ||
-           c.bufferOverflow || c.errorFrame || c.timerOverflow;
+    return c.errorPassive || c.warning96 || c.errorActive || c.receivedCorruptedBytes || c.busOff || c.bufferOverflow ||
+           c.errorFrame || c.timerOverflow;
 }
 
 // Data text of a record as the scan sees it: events and time stamps have none.
@@ -41,12 +41,12 @@ std::string ScanDataText(const CTraceItem& item) {
 
 // Looks for the pattern in the row's data, joining up to ten following frames; a hit
 // belongs to the row where it starts.
-bool DataMatches(CAnalyzerDoc& doc, std::uint32_t row, const std::string& firstText, const std::string& pattern) {
+bool DataMatches(CAnalyzerDoc& doc, zdt::RowIndex row, const std::string& firstText, const std::string& pattern) {
     if (firstText.find(pattern) != std::string::npos)
         return true;
-    const std::uint32_t rows = doc.GetVisibleCount();
+    const zdt::RowCount rows = doc.GetVisibleCount();
     std::string joined = firstText;
-    for (std::uint32_t next = row + 1; next <= row + 10 && next < rows; ++next) {
+    for (zdt::RowIndex next = row + 1; next <= row + 10 && next < rows; ++next) {
         std::unique_ptr<CTraceItemI> item(doc.GetItem(next));
         if (!item || item->IsEvent() || item->IsPcTime() || !item->HasData())
             break;
@@ -62,7 +62,7 @@ bool DataMatches(CAnalyzerDoc& doc, std::uint32_t row, const std::string& firstT
 }
 
 // The time as the scan compares it: the number of the Time column printed with "%d".
-double ScanTimeValue(const CAnalyzerDoc& doc, std::uint32_t row, const CTraceItem& item, int& digits) {
+double ScanTimeValue(const CAnalyzerDoc& doc, zdt::RowIndex row, const CTraceItem& item, int& digits) {
     digits = doc.GetTimeMode() == TimeMode::Absolute ? 6 : 3;
     std::uint32_t time = 0;
     if (!item.HasTime() || item.GetTime(time) != 0 || time == 0)
@@ -186,8 +186,8 @@ bool ScanClassicTrace(CAnalyzerDoc& doc, const ClassicFindCriteria& c, bool mark
         doc.ClearBookmarks();
     const std::string pattern = DataPattern(c.dataText);
     const bool anyOfThree = c.useTime || c.useData || c.useIdentifier;
-    const std::uint32_t rows = doc.GetVisibleCount();
-    for (std::uint32_t row = 0; row < rows; ++row) {
+    const zdt::RowCount rows = doc.GetVisibleCount();
+    for (zdt::RowIndex row = 0; row < rows; ++row) {
         if (progress != nullptr && (row & 0x3FFF) == 0 && !progress->onProgress(row, rows))
             return false;
         std::unique_ptr<CTraceItemI> item(doc.GetItem(row));
@@ -227,22 +227,24 @@ bool ScanClassicTrace(CAnalyzerDoc& doc, const ClassicFindCriteria& c, bool mark
     return true;
 }
 
-long long FindNext(const std::vector<std::uint32_t>& results, long long selectedRow, zdt::MessageSink* messages) {
-    for (const std::uint32_t row : results)
-        if (static_cast<long long>(row) > selectedRow)
+zdt::RowIndex FindNext(const std::vector<zdt::RowIndex>& results, zdt::RowIndex selectedRow,
+                       zdt::MessageSink* messages) {
+    for (const zdt::RowIndex row : results)
+        if (row > selectedRow)
             return row;
     if (results.empty() || messages == nullptr)
-        return -1;
+        return zdt::NoRow;
     const bool wrap = messages->askYesNo(zdt::UserMessage{"", WrapToBeginQuestion, zdt::MessageIcon::Question});
-    return wrap ? static_cast<long long>(results.front()) : -1;
+    return wrap ? results.front() : zdt::NoRow;
 }
 
-long long FindPrevious(const std::vector<std::uint32_t>& results, long long selectedRow, zdt::MessageSink* messages) {
+zdt::RowIndex FindPrevious(const std::vector<zdt::RowIndex>& results, zdt::RowIndex selectedRow,
+                           zdt::MessageSink* messages) {
     for (auto it = results.rbegin(); it != results.rend(); ++it)
-        if (static_cast<long long>(*it) < selectedRow)
+        if (*it < selectedRow)
             return *it;
     if (results.empty() || messages == nullptr)
-        return -1;
+        return zdt::NoRow;
     const bool wrap = messages->askYesNo(zdt::UserMessage{"", WrapToEndQuestion, zdt::MessageIcon::Question});
-    return wrap ? static_cast<long long>(results.back()) : -1;
+    return wrap ? results.back() : zdt::NoRow;
 }

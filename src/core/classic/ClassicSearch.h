@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/RowTypes.h"
 #include "common/UserMessage.h"
 
 #include <cstdint>
@@ -34,7 +35,7 @@ constexpr std::size_t MaxIdentifierTextLength = 8;
 
 // Which controls the dialog enables for a trace.
 struct FindDialogEnabling {
-    bool time = true;  // the time check and both bounds
+    bool time = true; // the time check and both bounds
     bool errorPassive = false;
     bool warning96 = false;
     bool errorActive = false;
@@ -58,10 +59,10 @@ std::string TypeIntoHexEdit(const std::string& text, bool identifierEdit, std::s
 
 // The OK step of the dialog.
 struct FindOkResult {
-    bool staysOpen = false;        // the time bounds are the wrong way round
-    bool badDataForm = false;      // ends in "Nothing Found!"
+    bool staysOpen = false;   // the time bounds are the wrong way round
+    bool badDataForm = false; // ends in "Nothing Found!"
     bool hasCriteria = false;
-    std::string message;           // the box to show, if any
+    std::string message; // the box to show, if any
 };
 FindOkResult ValidateFindCriteria(const ClassicFindCriteria& criteria);
 bool IsDataFormValid(const std::string& dataText);
@@ -83,5 +84,7 @@ constexpr const char* WrapToEndQuestion =
 
 // Find Next / Find Previous over the result list. The wrap question goes to `messages`
 // (no sink: the answer is No). Returns the row to select, or -1.
-long long FindNext(const std::vector<std::uint32_t>& results, long long selectedRow, zdt::MessageSink* messages);
-long long FindPrevious(const std::vector<std::uint32_t>& results, long long selectedRow, zdt::MessageSink* messages);
+zdt::RowIndex FindNext(const std::vector<zdt::RowIndex>& results, zdt::RowIndex selectedRow,
+                       zdt::MessageSink* messages);
+zdt::RowIndex FindPrevious(const std::vector<zdt::RowIndex>& results, zdt::RowIndex selectedRow,
+                           zdt::MessageSink* messages);

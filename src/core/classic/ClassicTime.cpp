@@ -8,8 +8,8 @@
 
 namespace {
 
-std::uint32_t ArrayValue(const ChunkedArray& array, std::uint32_t row) {
-    return row < array.Size() ? array.Get(row) : 0;
+std::uint32_t ArrayValue(const ChunkedArray& array, zdt::RowIndex row) {
+    return row >= 0 && static_cast<std::uint32_t>(row) < array.Size() ? array.Get(static_cast<std::uint32_t>(row)) : 0;
 }
 
 } // namespace
@@ -41,9 +41,14 @@ std::string FormatTime(std::uint32_t value, int digits) {
     return text;
 }
 
-RowTime ComputeRowTime(const CAnalyzerDoc& doc, std::uint32_t row, const CTraceItem& item, TimeUse use) {
+RowTime ComputeRowTime(const CAnalyzerDoc& doc, zdt::RowIndex row, const CTraceItem& item, TimeUse use) {
     RowTime result;
-    const CTraceFile& file = *doc.TraceFile();
+    // Null when an open failed on another thread after the row was read; the row is
+    // dropped anyway.
+    const CTraceFile* const filePointer = doc.TraceFile();
+    if (filePointer == nullptr)
+        return result;
+    const CTraceFile& file = *filePointer;
     const std::uint32_t delta = ArrayValue(file.DeltaTimes(), row);
     const std::uint64_t threshold = std::uint64_t(doc.AlarmThreshold()) * 1000u;
     result.alarm = threshold != 0 && delta >= threshold && !doc.IsCanTrace();
@@ -78,8 +83,8 @@ RowTime ComputeRowTime(const CAnalyzerDoc& doc, std::uint32_t row, const CTraceI
     return result;
 }
 
-bool PreviousTimedRecordFinder::Find(RecordReader& reader, std::uint32_t row, std::uint32_t& time) {
-    std::uint32_t from = row;
+bool PreviousTimedRecordFinder::Find(RecordReader& reader, zdt::RowIndex row, std::uint32_t& time) {
+    zdt::RowIndex from = row;
     bool found = false;
     std::uint32_t foundTime = 0;
     // Rows asked in order: only the row just above is new.
@@ -97,7 +102,7 @@ bool PreviousTimedRecordFinder::Find(RecordReader& reader, std::uint32_t row, st
             }
         }
     } else {
-        for (std::uint32_t r = from; r-- > 1;) {
+        for (zdt::RowIndex r = from; r-- > 1;) {
             CTraceItemI item;
             if (reader.ReadItem(r, item) && item.HasTime()) {
                 item.GetTime(foundTime);
@@ -115,7 +120,7 @@ bool PreviousTimedRecordFinder::Find(RecordReader& reader, std::uint32_t row, st
     return found;
 }
 
-std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, std::uint32_t row, const CTraceItem& item,
+std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, zdt::RowIndex row, const CTraceItem& item,
                            PreviousTimedRecordFinder& finder) {
     std::uint32_t time = 0;
     item.GetTime(time);

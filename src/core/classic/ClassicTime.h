@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/RowTypes.h"
+
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -19,32 +21,32 @@ enum class TimeUse { Screen, Report };
 
 // The time of one row of a file of schema other than 701, before formatting.
 struct RowTime {
-    bool blank = true;      // time 0: the cell is a single blank
+    bool blank = true; // time 0: the cell is a single blank
     std::uint32_t value = 0;
     int digits = 3;
-    bool alarm = false;     // the gap to the previous row reaches the alarm threshold
+    bool alarm = false; // the gap to the previous row reaches the alarm threshold
 };
 
 // Requires item.HasTime(). Reads the document's index arrays for row `row`.
-RowTime ComputeRowTime(const CAnalyzerDoc& doc, std::uint32_t row, const CTraceItem& item, TimeUse use);
+RowTime ComputeRowTime(const CAnalyzerDoc& doc, zdt::RowIndex row, const CTraceItem& item, TimeUse use);
 
 // Finds, for schema 701, the nearest earlier timed record by reading rows backwards
 // (never row 0). Remembers the last answer so that rows read in order cost one step.
 class PreviousTimedRecordFinder {
 public:
     // True and the time when a timed record stands in rows [1, row).
-    bool Find(RecordReader& reader, std::uint32_t row, std::uint32_t& time);
+    bool Find(RecordReader& reader, zdt::RowIndex row, std::uint32_t& time);
     void Reset() { m_valid = false; }
 
 private:
     bool m_valid = false;
-    std::uint32_t m_forRow = 0;     // the answer below is for this row
+    zdt::RowIndex m_forRow = 0; // the answer below is for this row
     bool m_found = false;
     std::uint32_t m_time = 0;
 };
 
 // The time cell of a schema 701 row that has a time.
-std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, std::uint32_t row, const CTraceItem& item,
+std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, zdt::RowIndex row, const CTraceItem& item,
                            PreviousTimedRecordFinder& finder);
 
 // A reader of the document's current file for one formatter; a document that read its

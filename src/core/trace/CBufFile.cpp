@@ -31,9 +31,9 @@ bool CBufFile::Open(const std::string& path) {
             return false;
         }
     }
-    m_fd = fd;
+    m_fd.store(fd, std::memory_order_relaxed);
     m_fileLength = static_cast<std::uint64_t>(info.st_size);
-    m_open = 1;
+    m_open.store(1, std::memory_order_relaxed);
     m_bufferBytes = 0;
     m_bufferOffset = 0;
     m_lineEnd = nullptr;
@@ -43,10 +43,10 @@ bool CBufFile::Open(const std::string& path) {
 }
 
 void CBufFile::Close() {
-    if (m_fd >= 0)
-        ::close(m_fd);
-    m_fd = -1;
-    m_open = 0;
+    const int fd = m_fd.exchange(-1, std::memory_order_relaxed);
+    m_open.store(0, std::memory_order_relaxed);
+    if (fd >= 0)
+        ::close(fd);
     m_lineEnd = nullptr;
     m_bufferBytes = 0;
     m_bufferOffset = 0;
@@ -54,9 +54,10 @@ void CBufFile::Close() {
 }
 
 std::size_t CBufFile::ReadAt(std::uint64_t offset, char* into, std::size_t count) const {
+    const int fd = m_fd.load(std::memory_order_relaxed);
     std::size_t done = 0;
     while (done < count) {
-        const ssize_t got = ::pread(m_fd, into + done, count - done, static_cast<off_t>(offset + done));
+        const ssize_t got = ::pread(fd, into + done, count - done, static_cast<off_t>(offset + done));
         if (got <= 0)
             break;
         done += static_cast<std::size_t>(got);
@@ -112,7 +113,7 @@ char* CBufFile::ScanLine(std::uint64_t offset) {
 }
 
 char* CBufFile::GetLine(std::uint64_t offset) {
-    if (!m_open)
+    if (!IsOpen())
         return nullptr;
     if (m_lineEnd != nullptr) {
         *m_lineEnd = '\r';

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -19,8 +20,11 @@ public:
     // carriage return within one window, and when the file is not open.
     char* GetLine(std::uint64_t offset);
     void Close();
+    // Closes the file for this object's users but keeps the descriptor until Close or the
+    // next Open: another thread may be reading at it, and closing under a read is a race.
+    void CloseLater() { m_open.store(0, std::memory_order_relaxed); }
 
-    bool IsOpen() const { return m_open != 0; }
+    bool IsOpen() const { return m_open.load(std::memory_order_relaxed) != 0; }
     std::uint64_t FileLength() const { return m_fileLength; }
     // Offset of the line GetLine returned last.
     std::uint64_t LineOffset() const { return m_lineOffset; }
@@ -29,11 +33,12 @@ public:
     std::uint32_t WindowSize() const { return m_bufferSize; }
 
     // Positioned raw read, past the window: the number of bytes read, 0 on failure.
-    // It moves no file position, so several threads may read at once.
+    // It moves no file position, so several threads may read at once, and one may read
+    // while another closes the file (the read then fails).
     std::size_t ReadAt(std::uint64_t offset, char* into, std::size_t count) const;
 
 protected:
-    int Descriptor() const { return m_fd; }
+    int Descriptor() const { return m_fd.load(std::memory_order_relaxed); }
     char* EnsureScratch(std::uint32_t size);
 
 private:
@@ -48,7 +53,7 @@ private:
     char* m_scratch = nullptr;
     std::uint32_t m_scratchSize = 0;
     std::uint32_t m_bufferSize;
-    std::uint8_t m_open = 0;
+    std::atomic<std::uint8_t> m_open{0};
     std::uint64_t m_fileLength = 0;
-    int m_fd = -1;
+    std::atomic<int> m_fd{-1};
 };

@@ -1,17 +1,20 @@
 #include "trace/CTraceFile.h"
 
-#include "trace/RecordLineWalker.h"
 #include "trace/NibbleTables.h"
+#include "trace/RecordLineWalker.h"
 
 #include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
+#include <mutex>
+#include <strings.h>
 #include <system_error>
 #include <thread>
-#include <strings.h>
 #include <unistd.h>
 
 namespace {
@@ -22,12 +25,14 @@ constexpr int kMaxHeadLines = 200;
 // The index pass splits the file into blocks of this size, each walked by two threads;
 // smaller files are walked by one.
 constexpr std::uint64_t kIndexSuperBlock = 4 * 1024 * 1024;
-// Where in a block the second thread starts, in percent; the first thread also adds the
-// records to the index as it goes.
+// Where in a block the second thread starts at first, in percent; the first thread also
+// adds the records to the index.
 constexpr std::uint64_t kIndexFirstShare = 50;
 constexpr std::uint64_t kIndexParallelMinimum = 1024 * 1024;
 
-bool StartsWith(const char* line, const char* prefix) { return std::strncmp(line, prefix, std::strlen(prefix)) == 0; }
+bool StartsWith(const char* line, const char* prefix) {
+    return std::strncmp(line, prefix, std::strlen(prefix)) == 0;
+}
 
 void Show(zdt::MessageSink* messages, const char* text) {
     if (messages != nullptr)
@@ -47,13 +52,24 @@ std::string NameBehindLastSeparator(const std::string& path) {
 
 CTraceFile::CTraceFile() : m_reader(*this) {}
 
-CTraceFile::~CTraceFile() { CloseTrace(); }
+CTraceFile::~CTraceFile() {
+    CloseTrace();
+}
 
 bool CTraceFile::OpenTrace(const std::string& path, zdt::MessageSink* messages, zdt::ProgressSink* progress) {
+    return OpenHead(path, messages) && IndexTrace(progress);
+}
+
+bool CTraceFile::OpenHead(const std::string& path, zdt::MessageSink* messages) {
+    static std::atomic<std::uint64_t> serials{0};
+    // No row is readable before the pass publishes some, so the rest may be reset freely.
+    m_visibleCount.store(0, std::memory_order_release);
+    m_openSerial.store(serials.fetch_add(1, std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     m_fileName = path;
     m_hasHistory = 0;
     m_cancelled = false;
     m_reader.Reset();
+    ResetIndex();
     if (!Open(path))
         return false;
     std::uint64_t offset = 0;
@@ -79,12 +95,27 @@ bool CTraceFile::OpenTrace(const std::string& path, zdt::MessageSink* messages, 
         }
     }
     m_legacyReader = IsLegacySchema(m_schema);
-    ResetIndex();
-    if (!IndexRecords(LineEndOffset() + 2, progress)) {
-        CloseTrace();
+    m_traceDataOffset = LineEndOffset() + 2;
+    return true;
+}
+
+bool CTraceFile::IndexTrace(zdt::ProgressSink* progress) {
+    bool indexed = false;
+    try {
+        indexed = IndexRecords(m_traceDataOffset, progress);
+    } catch (...) {
+        m_visibleCount.store(0, std::memory_order_release);
+        throw;
+    }
+    if (!indexed) {
+        // A reader may still be inside a row it took before: the index and the descriptor
+        // stay until the next open or the destructor.
+        m_visibleCount.store(0, std::memory_order_release);
+        CloseLater();
         return false;
     }
-    m_totalCount = m_visibleCount;
+    m_totalCount = m_absorbedCount;
+    m_visibleCount.store(m_absorbedCount, std::memory_order_release);
     return true;
 }
 
@@ -162,7 +193,8 @@ bool CTraceFile::ReadHistory(std::uint64_t& offset) {
 }
 
 void CTraceFile::ResetIndex() {
-    m_visibleCount = 0;
+    m_visibleCount.store(0, std::memory_order_release);
+    m_absorbedCount = 0;
     m_totalCount = 0;
     m_previousTime = 0;
     m_absoluteTime = 0;
@@ -178,9 +210,91 @@ void CTraceFile::ResetIndex() {
     m_channelDeltas.Clear();
 }
 
+namespace {
+
+// The second walker of the index pass on a thread of its own, kept for the whole pass.
+class WalkWorker {
+public:
+    explicit WalkWorker(RecordLineWalker& walker) : m_walker(walker), m_thread([this] { Run(); }) {}
+    ~WalkWorker() {
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_quit = true;
+        }
+        m_wake.notify_all();
+        m_thread.join();
+    }
+    WalkWorker(const WalkWorker&) = delete;
+    WalkWorker& operator=(const WalkWorker&) = delete;
+
+    void Start(std::uint64_t from, std::uint64_t limit, IndexBatch& batch) {
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_from = from;
+            m_limit = limit;
+            m_batch = &batch;
+            m_busy = true;
+        }
+        m_wake.notify_all();
+    }
+    // Waits for the walk; false when it failed (the first walker then goes on alone).
+    bool Wait(RecordLineWalker::Result& result, std::chrono::steady_clock::duration& took) {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_wake.wait(lock, [this] { return !m_busy; });
+        result = m_result;
+        took = m_took;
+        return !m_failed;
+    }
+
+private:
+    void Run() {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        for (;;) {
+            m_wake.wait(lock, [this] { return m_quit || m_busy; });
+            if (m_quit)
+                return;
+            const std::uint64_t from = m_from, limit = m_limit;
+            IndexBatch& batch = *m_batch;
+            lock.unlock();
+            const auto started = std::chrono::steady_clock::now();
+            RecordLineWalker::Result result;
+            bool failed = false;
+            try {
+                batch.Clear();
+                result = m_walker.Walk(from, limit, batch);
+            } catch (...) {
+                failed = true;
+            }
+            const auto took = std::chrono::steady_clock::now() - started;
+            lock.lock();
+            m_result = result;
+            m_failed = failed;
+            m_took = took;
+            m_busy = false;
+            m_wake.notify_all();
+        }
+    }
+
+    RecordLineWalker& m_walker;
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    std::uint64_t m_from = 0;
+    std::uint64_t m_limit = 0;
+    IndexBatch* m_batch = nullptr;
+    RecordLineWalker::Result m_result;
+    std::chrono::steady_clock::duration m_took{};
+    bool m_busy = false;
+    bool m_failed = false;
+    bool m_quit = false;
+    std::thread m_thread; // last: it starts running in the constructor
+};
+
+} // namespace
+
 // The walk after [TraceData] runs in blocks of the file on two threads: the second
-// starts at a guessed line start in the middle of a block, and its lines count only when
-// the first walk arrives exactly there. Running times are then added in file order.
+// starts at a guessed line start inside a block, and its lines count only when the first
+// walk arrives exactly there. The second part of a block is added to the index while
+// the next block is walked; where the block is split follows which thread waits.
 bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress) {
     const std::uint64_t fileLength = FileLength();
     const std::size_t window = WindowSize();
@@ -189,57 +303,66 @@ bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress)
     };
     RecordLineWalker firstWalker(readAt, fileLength, window, m_schemaNumber);
     RecordLineWalker secondWalker(readAt, fileLength, window, m_schemaNumber);
-    // Each walker appends to its own batch; on separate cache lines, the two threads do
-    // not fight over the vectors' end pointers.
-    struct alignas(64) Batch {
-        std::vector<ScannedRecord> records;
-    };
-    Batch secondBatch;
-    std::vector<ScannedRecord>& second = secondBatch.records;
+    // The batches outlive the worker, which may still be writing one when an exception leaves.
+    IndexBatch firstBatch;
+    IndexBatch secondBatches[2];
+    std::unique_ptr<WalkWorker> worker;
+    if (fileLength - std::min(offset, fileLength) >= kIndexParallelMinimum) {
+        try {
+            worker = std::make_unique<WalkWorker>(secondWalker);
+        } catch (const std::system_error&) {
+            worker.reset(); // one thread does it all
+        }
+    }
+    const IndexBatch* pending = nullptr; // a checked second part not yet in the index
+    std::uint64_t share = kIndexFirstShare;
+    unsigned block = 0;
 
     while (offset < fileLength) {
         const std::uint64_t end = std::min(fileLength, offset + kIndexSuperBlock);
         std::uint64_t split = end;
-        if (end - offset >= kIndexParallelMinimum)
-            split = LineStartAfter(readAt, offset + (end - offset) * kIndexFirstShare / 100, window);
-        second.clear();
-        RecordLineWalker::Result secondResult;
-        bool secondFailed = false;
-        std::thread worker;
-        if (split > offset && split < end) {
-            try {
-                worker = std::thread([&] {
-                    try {
-                        secondResult = secondWalker.Walk(split, end, second);
-                    } catch (...) {
-                        secondFailed = true; // the first walk goes on alone
-                    }
-                });
-            } catch (const std::system_error&) {
-                split = end;
-            }
-        } else {
+        if (worker && end - offset >= kIndexParallelMinimum)
+            split = LineStartAfter(readAt, offset + (end - offset) * share / 100, window);
+        if (split <= offset || split >= end)
             split = end;
-        }
+        IndexBatch& second = secondBatches[block++ & 1];
+        if (split < end)
+            worker->Start(split, end, second);
+
+        const auto started = std::chrono::steady_clock::now();
         RecordLineWalker::Result firstResult;
         try {
-            // The first part goes straight into the index; the second waits for its check.
-            firstResult =
-                firstWalker.Walk(offset, split, [this](const ScannedRecord& record) { AbsorbRecord(record); });
+            firstBatch.Clear();
+            firstResult = firstWalker.Walk(offset, split, firstBatch);
         } catch (...) {
-            if (worker.joinable())
-                worker.join();
+            if (split < end) {
+                RecordLineWalker::Result ignored;
+                std::chrono::steady_clock::duration took;
+                worker->Wait(ignored, took);
+            }
             throw;
         }
-        if (worker.joinable())
-            worker.join();
+        if (pending != nullptr) {
+            AbsorbBatch(*pending);
+            pending = nullptr;
+        }
+        AbsorbBatch(firstBatch);
+        const auto firstTook = std::chrono::steady_clock::now() - started;
 
         RecordLineWalker::Result result = firstResult;
-        const bool secondCounts = split < end && !secondFailed &&
-                                  firstResult.stop == RecordLineWalker::Stop::ReachedLimit && firstResult.next == split;
-        if (secondCounts) {
-            AbsorbRecords(second);
-            result = secondResult;
+        if (split < end) {
+            RecordLineWalker::Result secondResult;
+            std::chrono::steady_clock::duration secondTook{};
+            const bool secondDone = worker->Wait(secondResult, secondTook);
+            if (secondDone && firstResult.stop == RecordLineWalker::Stop::ReachedLimit && firstResult.next == split) {
+                pending = &second;
+                result = secondResult;
+            }
+            // Move the split towards the thread that waited.
+            if (firstTook > secondTook + secondTook / 16 && share > 15)
+                share -= 2;
+            else if (secondTook > firstTook + firstTook / 16 && share < 85)
+                share += 2;
         }
         offset = result.next;
         if (result.stop == RecordLineWalker::Stop::EndOfLines)
@@ -255,74 +378,97 @@ bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress)
             return false;
         }
     }
+    if (pending != nullptr)
+        AbsorbBatch(*pending);
     if (progress != nullptr)
         progress->onProgress(fileLength, fileLength);
     return true;
 }
 
-void CTraceFile::AbsorbRecords(const std::vector<ScannedRecord>& records) {
-    for (const ScannedRecord& record : records)
-        AbsorbRecord(record);
-}
-
-void CTraceFile::AbsorbRecord(const ScannedRecord& record) {
-    m_visibleOffsets.Append(record.offset);
-    m_allOffsets.Append(record.offset);
-    if (record.lineClass == 1)
+void CTraceFile::AbsorbBatch(const IndexBatch& batch) {
+    m_visibleOffsets.AppendRange(batch.offsets.data(), batch.offsets.size());
+    m_allOffsets.AppendRange(batch.offsets.data(), batch.offsets.size());
+    if (batch.lineClasses & (1u << 1))
         m_seenClass0 = 1;
-    else if (record.lineClass == 2)
+    if (batch.lineClasses & (1u << 2))
         m_seenClass8 = 1;
-    else if (record.lineClass == 3)
+    if (batch.lineClasses & (1u << 3))
         m_seenClass4 = 1;
-    if (record.skipsTimePass) {
-        m_seenChannel = 1;
-        m_seenIdentifier = 1;
-    } else {
-        TimePass(record);
-    }
-    ++m_visibleCount;
+    if (batch.skippedTimePass)
+        m_seenChannel = m_seenIdentifier = 1;
+    TimePass(batch);
+    m_absorbedCount += static_cast<zdt::RowCount>(batch.offsets.size());
+    // Every array holds these rows now: a reader may have them.
+    m_visibleCount.store(m_absorbedCount, std::memory_order_release);
 }
 
-void CTraceFile::TimePass(const ScannedRecord& record) {
-    if (record.facts & FactChannel)
+void CTraceFile::TimePass(const IndexBatch& batch) {
+    if (batch.facts & FactChannel)
         m_seenChannel = 1;
-    if (record.facts & FactIdentifier)
+    if (batch.facts & FactIdentifier)
         m_seenIdentifier = 1;
-    if (record.facts & FactSourceDestinationPriority)
+    if (batch.facts & FactSourceDestinationPriority)
         m_seenSource = m_seenDestination = m_seenPriority = 1;
-    if (record.facts & FactFlex)
+    if (batch.facts & FactFlex)
         m_seenFlexIdentifier = m_seenFlexChannel = m_seenFlexSlot = 1;
 
-    const std::uint32_t time = record.time;
-    if (time != 0) {
-        if (!m_deltaTimes) {
-            m_absoluteTime = time;
-            m_deltaTime = time - m_previousTime;
-            m_previousTime = time;
-        } else {
-            m_deltaTime = time;
-            m_absoluteTime += time;
+    const std::size_t count = batch.times.size();
+    m_absoluteScratch.resize(count);
+    m_deltaScratch.resize(count);
+    const std::uint32_t* times = batch.times.data();
+    std::uint32_t* absolute = m_absoluteScratch.data();
+    std::uint32_t* delta = m_deltaScratch.data();
+    std::uint32_t absoluteTime = m_absoluteTime;
+    std::uint32_t previousTime = m_previousTime;
+    if (!m_deltaTimes) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::uint32_t time = times[i];
+            std::uint32_t step = 0;
+            if (time != 0) {
+                absoluteTime = time;
+                step = time - previousTime;
+                previousTime = time;
+            }
+            absolute[i] = absoluteTime;
+            delta[i] = step;
+        }
+    } else {
+        for (std::size_t i = 0; i < count; ++i) {
+            absoluteTime += times[i];
+            absolute[i] = absoluteTime;
+            delta[i] = times[i];
         }
     }
-    m_absoluteTimes.Append(m_absoluteTime);
-    m_deltaTimesArray.Append(m_deltaTime);
+    m_absoluteTime = absoluteTime;
+    m_previousTime = previousTime;
     m_deltaTime = 0;
+    m_absoluteTimes.AppendRange(absolute, count);
+    m_deltaTimesArray.AppendRange(delta, count);
     if (m_isOtherTrace)
-        m_channelDeltas.Append(m_channelTimes.Exchange(record.channel, m_absoluteTime));
+        for (std::size_t i = 0; i < count; ++i)
+            m_channelDeltas.Append(m_channelTimes.Exchange(batch.channels[i], absolute[i]));
 }
 
-bool CTraceFile::ReadRecordLine(std::uint64_t offset, char* line) { return m_reader.ReadLine(offset, line); }
+bool CTraceFile::ReadRecordLine(zdt::FileOffset offset, char* line) {
+    return m_reader.ReadLine(offset, line);
+}
 
-bool CTraceFile::ReadItem(std::uint32_t index, CTraceItemI& item) { return m_reader.ReadItem(index, item); }
+bool CTraceFile::ReadItem(zdt::RowIndex index, CTraceItemI& item) {
+    return m_reader.ReadItem(index, item);
+}
 
-CTraceItemI* CTraceFile::GetItem(std::uint32_t index) {
+CTraceItemI* CTraceFile::GetItem(zdt::RowIndex index) {
     auto item = std::make_unique<CTraceItemI>();
     return ReadItem(index, *item) ? item.release() : nullptr;
 }
 
-void CTraceFile::ReleaseItem(CTraceItem* item) { delete item; }
+void CTraceFile::ReleaseItem(CTraceItem* item) {
+    delete item;
+}
 
 void CTraceFile::CloseTrace() {
+    m_visibleCount.store(0, std::memory_order_release);
+    m_absorbedCount = 0;
     Close();
     m_reader.Reset();
     m_visibleOffsets.Clear();

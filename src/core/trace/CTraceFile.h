@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/RowTypes.h"
 #include "common/UserMessage.h"
 #include "trace/CBufFile.h"
 #include "trace/CTraceItemI.h"
@@ -8,12 +9,17 @@
 #include "trace/RecordLineWalker.h"
 #include "trace/RecordReader.h"
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 // A classic trace: its head, an index of record offsets and times, and records
 // fetched one at a time on demand. Only the index lives in memory.
+//
+// While one thread opens the trace, one other thread may read the rows below
+// RowsReadSoFar() (ReadItem, GetItem, the index arrays at those rows). Everything else
+// belongs to the opening thread until the open returns.
 class CTraceFile : public CBufFile {
 public:
     static constexpr std::uint32_t MaxRecordLine = 256;
@@ -23,19 +29,29 @@ public:
 
     // Reads the sections, checks the schema and indexes every record. Boxes go to
     // `messages`; `progress` may stop the pass, which then fails with no message.
+    // A failed pass closes the file and leaves no readable row, but keeps the index and the
+    // descriptor until the next open or the destructor, for a reader still at work.
     bool OpenTrace(const std::string& path, zdt::MessageSink* messages = nullptr,
                    zdt::ProgressSink* progress = nullptr);
+    // OpenTrace in two steps: the sections up to [TraceData], then the index pass.
+    bool OpenHead(const std::string& path, zdt::MessageSink* messages = nullptr);
+    bool IndexTrace(zdt::ProgressSink* progress = nullptr);
+    // Rows indexed so far, published in batches while the index pass runs; the visible
+    // count once it is done, 0 after a failed or cancelled pass.
+    zdt::RowCount RowsReadSoFar() const { return m_visibleCount.load(std::memory_order_acquire); }
+    // Changes with every open, so that readers can tell a reopened file from the one they read.
+    std::uint64_t OpenSerial() const { return m_openSerial.load(std::memory_order_relaxed); }
     // The record of visible row `index`, owned by the caller, or null.
-    CTraceItemI* GetItem(std::uint32_t index);
+    CTraceItemI* GetItem(zdt::RowIndex index);
     // The same into a freshly constructed record of the caller's: false where GetItem gives null.
-    bool ReadItem(std::uint32_t index, CTraceItemI& item);
+    bool ReadItem(zdt::RowIndex index, CTraceItemI& item);
     void ReleaseItem(CTraceItem* item);
     void CloseTrace();
     bool AppendFilterHistory(const std::string& name, bool active);
 
     // Reads the record line at `offset` into `line` (MaxRecordLine + 1 bytes), cut at its
     // carriage return or at 256 characters and zero-terminated. False when nothing is read.
-    bool ReadRecordLine(std::uint64_t offset, char* line);
+    bool ReadRecordLine(zdt::FileOffset offset, char* line);
     // Whether GetItem reads with the reader of versions up to 601 (by the schema text).
     bool UsesLegacyReader() const { return m_legacyReader; }
 
@@ -68,9 +84,9 @@ public:
     bool IsZdtTrace() const { return m_isZdtTrace != 0; }
     bool IsOtherTrace() const { return m_isOtherTrace != 0; }
 
-    std::uint32_t VisibleCount() const { return m_visibleCount; }
-    std::uint32_t TotalCount() const { return m_totalCount; }
-    void SetVisibleCount(std::uint32_t count) { m_visibleCount = count; }
+    zdt::RowCount VisibleCount() const { return RowsReadSoFar(); }
+    zdt::RowCount TotalCount() const { return m_totalCount; }
+    void SetVisibleCount(zdt::RowCount count) { m_visibleCount.store(count, std::memory_order_release); }
 
     // The index. The document's filter pass rewrites the visible offsets and the times.
     OffsetArray& VisibleOffsets() { return m_visibleOffsets; }
@@ -91,9 +107,9 @@ private:
     bool ReadHistory(std::uint64_t& offset);
     void StoreHeadValue(const std::string& key, const std::string& value, bool& schemaOk);
     bool IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress);
-    void AbsorbRecords(const std::vector<ScannedRecord>& records);
-    void AbsorbRecord(const ScannedRecord& record);
-    void TimePass(const ScannedRecord& record);
+    // Adds a walk's records to the index and publishes them.
+    void AbsorbBatch(const IndexBatch& batch);
+    void TimePass(const IndexBatch& batch);
     void ResetIndex();
 
     std::string m_fileName;
@@ -125,12 +141,18 @@ private:
     std::uint8_t m_isOtherTrace = 0;
     bool m_legacyReader = false;
     bool m_cancelled = false;
-    std::uint32_t m_visibleCount = 0;
-    std::uint32_t m_totalCount = 0;
+    std::uint64_t m_traceDataOffset = 0; // the first line behind [TraceData]
+    std::atomic<std::uint64_t> m_openSerial{0};
+    std::atomic<zdt::RowCount> m_visibleCount{0};
+    // Rows absorbed by the index pass, ahead of the published count.
+    zdt::RowCount m_absorbedCount = 0;
+    zdt::RowCount m_totalCount = 0;
     std::uint32_t m_previousTime = 0;
     std::uint32_t m_absoluteTime = 0;
     std::uint32_t m_deltaTime = 0;
     ChannelTimes m_channelTimes;
+    std::vector<std::uint32_t> m_absoluteScratch;
+    std::vector<std::uint32_t> m_deltaScratch;
 
     OffsetArray m_visibleOffsets;
     OffsetArray m_allOffsets;

@@ -1,73 +1,182 @@
 #include "trace/ChunkedArray.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <sys/mman.h>
 
-ChunkedArray::~ChunkedArray() { Clear(); }
+namespace {
 
-bool ChunkedArray::AppendToNewChunk(std::uint32_t value) {
+constexpr std::size_t kChunkBytes = ChunkedArray::ChunkEntries * sizeof(std::uint32_t);
+constexpr std::size_t kSlabBytes = 2 * 1024 * 1024;
+constexpr std::uint32_t kChunksPerSlab = static_cast<std::uint32_t>(kSlabBytes / kChunkBytes);
+// Small arrays stay in single chunks, so that a small trace does not hold 2 MB pages.
+constexpr std::uint32_t kMallocChunks = 64;
+
+} // namespace
+
+ChunkedArray::~ChunkedArray() {
+    Clear();
+}
+
+std::uint32_t* ChunkedArray::AllocateChunk() {
+    if (m_mallocChunks < kMallocChunks) {
+        auto* chunk = static_cast<std::uint32_t*>(std::malloc(kChunkBytes));
+        if (chunk != nullptr)
+            ++m_mallocChunks;
+        return chunk;
+    }
+    if (m_slabChunksLeft == 0) {
+        void* slab = std::aligned_alloc(kSlabBytes, kSlabBytes);
+        if (slab == nullptr)
+            return nullptr;
+#ifdef MADV_HUGEPAGE
+        ::madvise(slab, kSlabBytes, MADV_HUGEPAGE);
+#endif
+        m_slabs.push_back(static_cast<char*>(slab));
+        m_slabChunksLeft = kChunksPerSlab;
+    }
+    char* chunk = m_slabs.back() + (kChunksPerSlab - m_slabChunksLeft) * kChunkBytes;
+    --m_slabChunksLeft;
+    return reinterpret_cast<std::uint32_t*>(chunk);
+}
+
+bool ChunkedArray::StartNewChunk() {
+    std::uint32_t** table = m_table.load(std::memory_order_relaxed);
     if (m_chunkCount == m_tableCapacity) {
+        // A reader may hold the old table: copy it, publish the copy, keep the old one.
         const std::uint32_t capacity = m_tableCapacity + TableGrowth;
-        auto* table = static_cast<std::uint32_t**>(std::realloc(m_table, capacity * sizeof(std::uint32_t*)));
-        if (table == nullptr)
+        auto* grown = static_cast<std::uint32_t**>(std::malloc(capacity * sizeof(std::uint32_t*)));
+        if (grown == nullptr)
             return false;
-        m_table = table;
+        if (table != nullptr) {
+            std::memcpy(grown, table, m_chunkCount * sizeof(std::uint32_t*));
+            m_retiredTables.push_back(table);
+            m_retiredBytes += m_tableCapacity * sizeof(std::uint32_t*);
+        }
+        m_table.store(grown, std::memory_order_release);
+        table = grown;
         m_tableCapacity = capacity;
     }
-    auto* chunk = static_cast<std::uint32_t*>(std::malloc(ChunkEntries * sizeof(std::uint32_t)));
+    std::uint32_t* chunk = AllocateChunk();
     if (chunk == nullptr)
         return false;
-    m_table[m_chunkCount++] = chunk;
+    table[m_chunkCount++] = chunk;
     m_currentChunk = chunk;
     m_nextFree = 0;
+    return true;
+}
+
+bool ChunkedArray::AppendToNewChunk(std::uint32_t value) {
+    if (!StartNewChunk())
+        return false;
     m_currentChunk[m_nextFree++] = value;
-    ++m_total;
+    m_total.store(m_total.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    return true;
+}
+
+bool ChunkedArray::AppendRange(const std::uint32_t* values, std::size_t count) {
+    while (count > 0) {
+        if (m_nextFree == ChunkEntries && !StartNewChunk())
+            return false;
+        const std::size_t part = std::min<std::size_t>(count, ChunkEntries - m_nextFree);
+        std::memcpy(m_currentChunk + m_nextFree, values, part * sizeof(std::uint32_t));
+        m_nextFree += static_cast<std::uint32_t>(part);
+        m_total.store(m_total.load(std::memory_order_relaxed) + static_cast<std::uint32_t>(part),
+                      std::memory_order_relaxed);
+        values += part;
+        count -= part;
+    }
     return true;
 }
 
 void ChunkedArray::Clear() {
-    for (std::uint32_t i = 0; i < m_chunkCount; ++i)
-        std::free(m_table[i]);
-    std::free(m_table);
-    m_table = nullptr;
+    std::uint32_t** table = m_table.load(std::memory_order_relaxed);
+    for (std::uint32_t i = 0; i < std::min(m_chunkCount, m_mallocChunks); ++i)
+        std::free(table[i]);
+    for (char* slab : m_slabs)
+        std::free(slab);
+    for (std::uint32_t** retired : m_retiredTables)
+        std::free(retired);
+    std::free(table);
+    m_slabs.clear();
+    m_retiredTables.clear();
+    m_retiredBytes = 0;
+    m_slabChunksLeft = 0;
+    m_mallocChunks = 0;
+    m_table.store(nullptr, std::memory_order_relaxed);
     m_currentChunk = nullptr;
     m_chunkCount = 0;
     m_tableCapacity = 0;
     m_nextFree = ChunkEntries;
-    m_total = 0;
+    m_total.store(0, std::memory_order_relaxed);
 }
 
 std::size_t ChunkedArray::BytesAllocated() const {
-    return std::size_t(m_chunkCount) * ChunkEntries * sizeof(std::uint32_t) +
-           std::size_t(m_tableCapacity) * sizeof(std::uint32_t*);
+    return std::size_t(m_mallocChunks) * kChunkBytes + m_slabs.size() * kSlabBytes +
+           std::size_t(m_tableCapacity) * sizeof(std::uint32_t*) + m_retiredBytes;
 }
 
-OffsetArray::~OffsetArray() { Clear(); }
+OffsetArray::~OffsetArray() {
+    Clear();
+}
 
 bool OffsetArray::AppendWithNewHigh(std::uint64_t offset) {
-    if (m_stepCount == m_stepCapacity) {
+    HighStep* steps = m_steps.load(std::memory_order_relaxed);
+    const std::uint32_t stepCount = m_stepCount.load(std::memory_order_relaxed);
+    if (stepCount == m_stepCapacity) {
         const std::uint32_t capacity = m_stepCapacity + 16;
-        auto* steps = static_cast<HighStep*>(std::realloc(m_steps, capacity * sizeof(HighStep)));
-        if (steps == nullptr)
+        auto* grown = static_cast<HighStep*>(std::malloc(capacity * sizeof(HighStep)));
+        if (grown == nullptr)
             return false;
-        m_steps = steps;
+        if (steps != nullptr) {
+            std::memcpy(grown, steps, stepCount * sizeof(HighStep));
+            m_retiredSteps.push_back(steps);
+        }
+        m_steps.store(grown, std::memory_order_release);
+        steps = grown;
         m_stepCapacity = capacity;
     }
     if (!m_low.Append(static_cast<std::uint32_t>(offset)))
         return false;
     const auto high = static_cast<std::uint32_t>(offset >> 32);
-    m_steps[m_stepCount++] = HighStep{m_low.Size() - 1, high};
+    steps[stepCount] = HighStep{m_low.Size() - 1, high};
+    m_stepCount.store(stepCount + 1, std::memory_order_release);
     m_currentHigh = high;
+    return true;
+}
+
+bool OffsetArray::AppendRange(const std::uint64_t* offsets, std::size_t count) {
+    while (count > 0) {
+        // The run that shares the current high word goes in as low words at once.
+        std::size_t run = 0;
+        m_lowScratch.resize(std::min<std::size_t>(count, ChunkedArray::ChunkEntries));
+        while (run < m_lowScratch.size() && static_cast<std::uint32_t>(offsets[run] >> 32) == m_currentHigh) {
+            m_lowScratch[run] = static_cast<std::uint32_t>(offsets[run]);
+            ++run;
+        }
+        if (run > 0 && !m_low.AppendRange(m_lowScratch.data(), run))
+            return false;
+        if (run < m_lowScratch.size() && run < count) {
+            if (!AppendWithNewHigh(offsets[run]))
+                return false;
+            ++run;
+        }
+        offsets += run;
+        count -= run;
+    }
     return true;
 }
 
 std::uint64_t OffsetArray::Get(std::uint32_t index) const {
     // The last step at or before the index gives the high word; steps are few.
     std::uint32_t high = 0;
-    std::uint32_t lo = 0, hi = m_stepCount;
+    std::uint32_t lo = 0, hi = m_stepCount.load(std::memory_order_acquire);
+    const HighStep* steps = m_steps.load(std::memory_order_acquire);
     while (lo < hi) {
         const std::uint32_t mid = (lo + hi) / 2;
-        if (m_steps[mid].firstIndex <= index) {
-            high = m_steps[mid].high;
+        if (steps[mid].firstIndex <= index) {
+            high = steps[mid].high;
             lo = mid + 1;
         } else {
             hi = mid;
@@ -78,9 +187,12 @@ std::uint64_t OffsetArray::Get(std::uint32_t index) const {
 
 void OffsetArray::Clear() {
     m_low.Clear();
-    std::free(m_steps);
-    m_steps = nullptr;
-    m_stepCount = 0;
+    std::free(m_steps.load(std::memory_order_relaxed));
+    for (HighStep* retired : m_retiredSteps)
+        std::free(retired);
+    m_retiredSteps.clear();
+    m_steps.store(nullptr, std::memory_order_relaxed);
+    m_stepCount.store(0, std::memory_order_relaxed);
     m_stepCapacity = 0;
     m_currentHigh = 0;
 }

@@ -1,10 +1,16 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 // Growable array of 32-bit values in chunks of 16,384 entries, so that it grows
 // without copying its data. The chunk table grows by 32 entries at a time.
+//
+// One thread may append while others Get entries below a count the appending thread
+// published with release order after appending them: chunks never move, and a chunk
+// table that is outgrown stays allocated until Clear(). Clear() needs all readers gone.
 class ChunkedArray {
 public:
     static constexpr std::uint32_t ChunkEntries = 16384;
@@ -20,28 +26,42 @@ public:
         if (m_nextFree == ChunkEntries)
             return AppendToNewChunk(value);
         m_currentChunk[m_nextFree++] = value;
-        ++m_total;
+        m_total.store(m_total.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
         return true;
     }
-    std::uint32_t Get(std::uint32_t index) const { return m_table[index / ChunkEntries][index % ChunkEntries]; }
-    std::uint32_t Size() const { return m_total; }
+    // Appends `count` values in a row; false when memory ran out part-way.
+    bool AppendRange(const std::uint32_t* values, std::size_t count);
+    std::uint32_t Get(std::uint32_t index) const {
+        return m_table.load(std::memory_order_acquire)[index / ChunkEntries][index % ChunkEntries];
+    }
+    std::uint32_t Size() const { return m_total.load(std::memory_order_relaxed); }
     void Clear();
     std::size_t BytesAllocated() const;
 
 private:
     bool AppendToNewChunk(std::uint32_t value);
+    bool StartNewChunk();
+    std::uint32_t* AllocateChunk();
 
     std::uint32_t m_nextFree = ChunkEntries; // next free place in the current chunk
     std::uint32_t m_chunkCount = 0;
     std::uint32_t m_tableCapacity = 0;
     std::uint32_t* m_currentChunk = nullptr;
-    std::uint32_t** m_table = nullptr;
-    std::uint32_t m_total = 0;
+    std::atomic<std::uint32_t**> m_table{nullptr};
+    std::atomic<std::uint32_t> m_total{0};
+    // Outgrown tables, kept for readers that still hold them.
+    std::vector<std::uint32_t**> m_retiredTables;
+    std::size_t m_retiredBytes = 0;
+    // Big arrays take their chunks from huge-page slabs: one page fault per 32 chunks.
+    std::vector<char*> m_slabs;
+    std::uint32_t m_slabChunksLeft = 0;
+    std::uint32_t m_mallocChunks = 0;
 };
 
 // File offsets of records in file order, four bytes each: the low words live in a
 // ChunkedArray and the rare steps of the high word are kept aside, so files beyond
-// 4 GiB index correctly without doubling the memory per record.
+// 4 GiB index correctly without doubling the memory per record. Readers may Get
+// published entries while one thread appends, as for ChunkedArray.
 class OffsetArray {
 public:
     OffsetArray() = default;
@@ -55,6 +75,8 @@ public:
             return AppendWithNewHigh(offset);
         return m_low.Append(static_cast<std::uint32_t>(offset));
     }
+    // Appends `count` offsets in a row, non-decreasing as for Append.
+    bool AppendRange(const std::uint64_t* offsets, std::size_t count);
     std::uint64_t Get(std::uint32_t index) const;
     std::uint32_t Size() const { return m_low.Size(); }
     void Clear();
@@ -68,8 +90,10 @@ private:
         std::uint32_t high;
     };
     ChunkedArray m_low;
-    HighStep* m_steps = nullptr;
-    std::uint32_t m_stepCount = 0;
+    std::atomic<HighStep*> m_steps{nullptr};
+    std::atomic<std::uint32_t> m_stepCount{0};
     std::uint32_t m_stepCapacity = 0;
     std::uint32_t m_currentHigh = 0;
+    std::vector<HighStep*> m_retiredSteps;
+    std::vector<std::uint32_t> m_lowScratch;
 };

@@ -7,7 +7,9 @@
 
 namespace {
 
-bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r'; }
+bool IsSpace(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
 
 int HexDigit(char c) {
     if (c >= '0' && c <= '9')
@@ -22,12 +24,46 @@ int HexDigit(char c) {
 // Types whose time the legacy reader takes from the hexadecimal field behind the code.
 bool IsHexTimeType(std::uint16_t type) {
     switch (type) {
-    case 0x0000: case 0x0003: case 0x0004: case 0x0005: case 0x0006: case 0x0008: case 0x000A: case 0x000F:
-    case 0x0020: case 0x0021: case 0x0022: case 0x0030: case 0x0031: case 0x0032: case 0x0033: case 0x0034:
-    case 0x0035: case 0x0036: case 0x0037: case 0x0080: case 0x00FE:
-    case 0x8000: case 0x8001: case 0x8002: case 0x8003: case 0x8004: case 0x8005: case 0x800E: case 0x800F:
-    case 0x8012: case 0x8013: case 0x801E: case 0x801F: case 0x8020: case 0x8021: case 0x8022: case 0x8023:
-    case 0x8024: case 0x8025: case 0x8026:
+    case 0x0000:
+    case 0x0003:
+    case 0x0004:
+    case 0x0005:
+    case 0x0006:
+    case 0x0008:
+    case 0x000A:
+    case 0x000F:
+    case 0x0020:
+    case 0x0021:
+    case 0x0022:
+    case 0x0030:
+    case 0x0031:
+    case 0x0032:
+    case 0x0033:
+    case 0x0034:
+    case 0x0035:
+    case 0x0036:
+    case 0x0037:
+    case 0x0080:
+    case 0x00FE:
+    case 0x8000:
+    case 0x8001:
+    case 0x8002:
+    case 0x8003:
+    case 0x8004:
+    case 0x8005:
+    case 0x800E:
+    case 0x800F:
+    case 0x8012:
+    case 0x8013:
+    case 0x801E:
+    case 0x801F:
+    case 0x8020:
+    case 0x8021:
+    case 0x8022:
+    case 0x8023:
+    case 0x8024:
+    case 0x8025:
+    case 0x8026:
         return true;
     default:
         return false;
@@ -41,8 +77,8 @@ bool IsTokenTimeType(std::uint16_t type) {
 }
 
 bool SetsIdentifierOnly(std::uint16_t type) {
-    return type == 0x0020 || type == 0x0021 || type == 0x0022 || type == 0x8012 || type == 0x8013 ||
-           type == 0x8025 || type == 0x8026;
+    return type == 0x0020 || type == 0x0021 || type == 0x0022 || type == 0x8012 || type == 0x8013 || type == 0x8025 ||
+           type == 0x8026;
 }
 
 // Decimal digits only, at most 18 of them: what atol gives without overflow care.
@@ -160,6 +196,20 @@ int ParseChannelToken(const char* token, std::size_t length) {
 }
 
 std::uint32_t ScanHexField(const char* text, int width) {
+    // Eight hex digits in a row, as the writers print times: no blank, sign or "0x" to
+    // care about. The field is zero-terminated, so the loop stops at its end.
+    if (width == 8) {
+        std::uint32_t value = 0;
+        int i = 0;
+        for (; i < 8; ++i) {
+            const int digit = HexDigit(text[i]);
+            if (digit < 0)
+                break;
+            value = value * 16 + static_cast<unsigned>(digit);
+        }
+        if (i == 8)
+            return value;
+    }
     const char* p = text;
     while (IsSpace(*p))
         ++p;
@@ -215,11 +265,11 @@ std::uint32_t AtolTruncated(const char* text, std::size_t length) {
     long value;
     if (negative)
         value = overflow || magnitude > static_cast<unsigned long long>(LONG_MAX) + 1 ? LONG_MIN
-                : magnitude == static_cast<unsigned long long>(LONG_MAX) + 1 ? LONG_MIN
-                                                                             : -static_cast<long>(magnitude);
+                : magnitude == static_cast<unsigned long long>(LONG_MAX) + 1          ? LONG_MIN
+                                                                                      : -static_cast<long>(magnitude);
     else
-        value = overflow || magnitude > static_cast<unsigned long long>(LONG_MAX) ? LONG_MAX
-                                                                                  : static_cast<long>(magnitude);
+        value =
+            overflow || magnitude > static_cast<unsigned long long>(LONG_MAX) ? LONG_MAX : static_cast<long>(magnitude);
     return static_cast<std::uint32_t>(value);
 }
 

@@ -14,9 +14,9 @@ struct ScannedRecord {
     std::uint64_t offset = 0;
     std::uint32_t time = 0;
     std::int32_t channel = 0;
-    std::uint8_t lineClass = 0;    // 0 to 3, by the first character
-    std::uint8_t facts = 0;        // FactChannel | FactIdentifier | ...
-    bool skipsTimePass = false;    // class 3 lines of 701 files
+    std::uint8_t lineClass = 0; // 0 to 3, by the first character
+    std::uint8_t facts = 0;     // FactChannel | FactIdentifier | ...
+    bool skipsTimePass = false; // class 3 lines of 701 files
 };
 
 enum : std::uint8_t {
@@ -24,6 +24,38 @@ enum : std::uint8_t {
     FactIdentifier = 2,
     FactSourceDestinationPriority = 4,
     FactFlex = 8,
+};
+
+// The records of one walk, column by column, so that adding them to the index is a few
+// bulk copies and one loop over the times. Reused from block to block: the columns keep
+// their capacity.
+struct IndexBatch {
+    std::vector<std::uint64_t> offsets; // every record
+    std::vector<std::uint32_t> times;   // the records of the time pass, in file order
+    std::vector<std::int32_t> channels; // their channels
+    std::uint8_t lineClasses = 0;       // bit 1 << class of each record
+    std::uint8_t facts = 0;             // the facts of all records ORed
+    bool skippedTimePass = false;       // a class 3 line of a 701 file was among them
+
+    void Clear() {
+        offsets.clear();
+        times.clear();
+        channels.clear();
+        lineClasses = 0;
+        facts = 0;
+        skippedTimePass = false;
+    }
+    void Add(const ScannedRecord& record) {
+        offsets.push_back(record.offset);
+        lineClasses = static_cast<std::uint8_t>(lineClasses | (1u << record.lineClass));
+        if (record.skipsTimePass) {
+            skippedTimePass = true;
+            return;
+        }
+        facts = static_cast<std::uint8_t>(facts | record.facts);
+        times.push_back(record.time);
+        channels.push_back(record.channel);
+    }
 };
 
 // Walks record lines from big blocks with the rules of the line window: a line is found
@@ -42,12 +74,11 @@ public:
 
     // Scans the lines that start in [from, limit) into `out` (appending). A line starting at
     // or beyond `limit` ends the walk, as do the end of the lines and a history section.
-    Result Walk(std::uint64_t from, std::uint64_t limit, std::vector<ScannedRecord>& out) {
-        return Walk(from, limit, [&out](const ScannedRecord& record) { out.push_back(record); });
+    Result Walk(std::uint64_t from, std::uint64_t limit, IndexBatch& out) {
+        return Walk(from, limit, [&out](const ScannedRecord& record) { out.Add(record); });
     }
     // The same, handing each record to `take` as it is scanned.
-    template <typename Take>
-    Result Walk(std::uint64_t from, std::uint64_t limit, Take&& take);
+    template <typename Take> Result Walk(std::uint64_t from, std::uint64_t limit, Take&& take);
 
 private:
     // Scans one record line (zero-terminated at `length`) into `record`; false for no record.

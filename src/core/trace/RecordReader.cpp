@@ -11,11 +11,15 @@ constexpr std::size_t kBlockSize = 64 * 1024;
 
 RecordReader::RecordReader(const CTraceFile& file) : m_file(&file) {}
 
-bool RecordReader::ReadLine(std::uint64_t offset, char* line) {
+bool RecordReader::ReadLine(zdt::FileOffset offset, char* line) {
     if (!m_file->IsOpen())
         return false;
     if (!m_block)
         m_block.reset(new char[kBlockSize]);
+    if (m_blockSerial != m_file->OpenSerial()) {
+        m_blockSerial = m_file->OpenSerial();
+        m_blockBytes = 0;
+    }
     const std::uint64_t blockEnd = m_blockOffset + m_blockBytes;
     // A short block ends at the end of the file, so every line in it is whole.
     const bool cached = offset >= m_blockOffset && offset < blockEnd &&
@@ -36,12 +40,13 @@ bool RecordReader::ReadLine(std::uint64_t offset, char* line) {
     return true;
 }
 
-bool RecordReader::ReadItem(std::uint32_t index, CTraceItemI& item) {
+bool RecordReader::ReadItem(zdt::RowIndex index, CTraceItemI& item) {
     const CTraceFile& file = *m_file;
-    if (index >= file.VisibleCount() || index >= file.VisibleOffsets().Size())
+    // The published count first: it makes the rows below it and the file safe to read.
+    if (index < 0 || index >= file.RowsReadSoFar() || static_cast<std::uint32_t>(index) >= file.VisibleOffsets().Size())
         return false;
     char line[CTraceFile::MaxRecordLine + 1];
-    if (!ReadLine(file.VisibleOffsets().Get(index), line))
+    if (!ReadLine(file.VisibleOffsets().Get(static_cast<std::uint32_t>(index)), line))
         return false;
     if (file.UsesLegacyReader())
         item.ParseLine(line, 1);

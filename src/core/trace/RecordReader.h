@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/RowTypes.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -16,9 +18,10 @@ public:
 
     // The record line at `offset` into `line` (257 bytes), cut at its carriage return or at
     // 256 characters and zero-terminated. False when nothing is read.
-    bool ReadLine(std::uint64_t offset, char* line);
-    // The record of visible row `index` into a freshly constructed record.
-    bool ReadItem(std::uint32_t index, CTraceItemI& item);
+    bool ReadLine(zdt::FileOffset offset, char* line);
+    // The record of visible row `index` into a freshly constructed record; false for a row
+    // at or beyond the rows read so far, which is all a reader on another thread may ask.
+    bool ReadItem(zdt::RowIndex index, CTraceItemI& item);
     const CTraceFile& File() const { return *m_file; }
     // Forgets the block, for a file that was reopened.
     void Reset() { m_blockBytes = 0; }
@@ -28,4 +31,5 @@ private:
     std::unique_ptr<char[]> m_block;
     std::uint64_t m_blockOffset = 0;
     std::size_t m_blockBytes = 0;
+    std::uint64_t m_blockSerial = 0; // the file's open serial when the block was read
 };

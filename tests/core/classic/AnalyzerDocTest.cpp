@@ -190,7 +190,7 @@ TEST(AnalyzerDoc, BookmarksToggleInRowOrderAndWrap) {
     doc.ToggleBookmark(1);
     doc.ToggleBookmark(2);
     doc.ToggleBookmark(2);
-    EXPECT_EQ(doc.Bookmarks(), (std::vector<std::uint32_t>{1, 3}));
+    EXPECT_EQ(doc.Bookmarks(), (std::vector<zdt::RowIndex>{1, 3}));
     EXPECT_EQ(doc.NextBookmark(1), 3);
     EXPECT_EQ(doc.NextBookmark(3), 1);
     EXPECT_EQ(doc.PreviousBookmark(3), 1);

@@ -8,7 +8,7 @@
 namespace {
 
 using namespace classic_traces;
-using Rows = std::vector<std::uint32_t>;
+using Rows = std::vector<zdt::RowIndex>;
 
 Rows Search(CAnalyzerDoc& doc, const ClassicFindCriteria& criteria, bool markAll = false) {
     const FindOkResult ok = ValidateFindCriteria(criteria);
