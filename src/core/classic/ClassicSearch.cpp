@@ -179,11 +179,9 @@ FindOkResult ValidateFindCriteria(const ClassicFindCriteria& c) {
     return result;
 }
 
-bool ScanClassicTrace(CAnalyzerDoc& doc, const ClassicFindCriteria& c, bool markAll, zdt::ProgressSink* progress) {
-    auto& results = doc.FindResults();
-    results.clear();
-    if (markAll)
-        doc.ClearBookmarks();
+bool FindClassicRows(CAnalyzerDoc& doc, const ClassicFindCriteria& c, std::vector<zdt::RowIndex>& hits,
+                     zdt::ProgressSink* progress) {
+    hits.clear();
     const std::string pattern = DataPattern(c.dataText);
     const bool anyOfThree = c.useTime || c.useData || c.useIdentifier;
     const zdt::RowCount rows = doc.GetVisibleCount();
@@ -218,14 +216,29 @@ bool ScanClassicTrace(CAnalyzerDoc& doc, const ClassicFindCriteria& c, bool mark
             item->GetEventCode(code);
             eventHit = EventFlagSet(c, code);
         }
-        if ((anyOfThree && timePass && dataPass && identifierPass) || eventHit) {
-            results.push_back(row);
-            if (markAll)
-                doc.ToggleBookmark(row);
-        }
+        if ((anyOfThree && timePass && dataPass && identifierPass) || eventHit)
+            hits.push_back(row);
     }
     return true;
 }
+
+void ApplyClassicFindResults(CAnalyzerDoc& doc, const std::vector<zdt::RowIndex>& hits, bool markAll) {
+    doc.FindResults() = hits;
+    if (!markAll)
+        return;
+    doc.ClearBookmarks();
+    for (const zdt::RowIndex row : hits)
+        doc.ToggleBookmark(row);
+}
+
+bool ScanClassicTrace(CAnalyzerDoc& doc, const ClassicFindCriteria& c, bool markAll, zdt::ProgressSink* progress) {
+    std::vector<zdt::RowIndex> hits;
+    const bool finished = FindClassicRows(doc, c, hits, progress);
+    // Rows found before a stop are real results.
+    ApplyClassicFindResults(doc, hits, markAll);
+    return finished;
+}
+
 
 zdt::RowIndex FindNext(const std::vector<zdt::RowIndex>& results, zdt::RowIndex selectedRow,
                        zdt::MessageSink* messages) {

@@ -69,9 +69,15 @@ bool IsDataFormValid(const std::string& dataText);
 // The search text as it is looked for: blanks removed, each "," a blank.
 std::string DataPattern(const std::string& dataText);
 
-// The scan over every visible row. Hits go to the document's find results (row order);
-// with `markAll` the bookmarks are cleared first and each hit toggles one.
-// Returns false when `progress` stopped it.
+// The scan over every visible row: the rows that match, in row order. It reads rows
+// through the document's own reader and changes nothing, so it may run on another thread
+// while the list formats rows through its own. False when `progress` stopped it.
+bool FindClassicRows(CAnalyzerDoc& doc, const ClassicFindCriteria& criteria, std::vector<zdt::RowIndex>& hits,
+                     zdt::ProgressSink* progress = nullptr);
+// The hits become the document's find results; with `markAll` the bookmarks are cleared
+// first and each hit toggles one.
+void ApplyClassicFindResults(CAnalyzerDoc& doc, const std::vector<zdt::RowIndex>& hits, bool markAll);
+// Both in a row; the rows found before a stop count. Returns false when `progress` stopped it.
 bool ScanClassicTrace(CAnalyzerDoc& doc, const ClassicFindCriteria& criteria, bool markAll,
                       zdt::ProgressSink* progress = nullptr);
 

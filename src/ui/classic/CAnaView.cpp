@@ -87,6 +87,7 @@ CAnaView::CAnaView(ClassicDocument& document, StatusSink* status, QWidget* paren
     connect(&m_document, &ClassicDocument::contentAboutToChange, m_model, &ClassicListModel::suspend);
     connect(&m_document, &ClassicDocument::contentChanged, this, &CAnaView::refreshFromDocument);
     connect(&m_document, &ClassicDocument::rowsArrived, this, &CAnaView::takeRows);
+    connect(&m_document, &ClassicDocument::searchEnded, this, &CAnaView::showSearchResults);
     connect(&m_document, &UiDocument::busyChanged, this, &CAnaView::updateActions);
     // Which columns have content is known once the whole file was read.
     connect(&m_document, &UiDocument::openFinished, this, [this](bool opened) {
@@ -255,23 +256,20 @@ void CAnaView::onFind() {
 }
 
 void CAnaView::runSearch(const ClassicFindCriteria& criteria, bool hasCriteria, bool markAll) {
-    CAnalyzerDoc& document = doc();
-    document.FindResults().clear();
-    if (markAll)
-        document.ClearBookmarks();
-    if (hasCriteria) {
-        {
-            WaitCursor wait;
-            ScanClassicTrace(document, criteria, markAll);
-        }
-        if (document.FindResults().empty())
-            Boxes::instance().show(this, QString::fromLatin1(SearchTitle), QString::fromLatin1(NothingFoundText),
-                                   QMessageBox::Warning);
+    if (!hasCriteria) {
+        // Nothing to look for: the dialog's OK only clears the results (and the marks).
+        ApplyClassicFindResults(doc(), {}, markAll);
+        showSearchResults(markAll);
+        return;
     }
+    m_document.runFind(criteria, markAll, this);
+}
+
+void CAnaView::showSearchResults(bool markAll) {
     if (markAll)
         m_model->rowsChanged(0, m_model->rowCount() - 1);
-    if (!document.FindResults().empty())
-        selectRow(document.FindResults().front());
+    if (!doc().FindResults().empty())
+        selectRow(doc().FindResults().front());
     updateActions();
 }
 

@@ -64,8 +64,11 @@ public:
     void onFind();
     void onFindNext();
     void onFindPrevious();
-    // What follows the find dialog's OK: the scan, its box, the first hit selected.
+    // What follows the find dialog's OK: the scan in the background, then its box and
+    // the first hit selected.
     void runSearch(const ClassicFindCriteria& criteria, bool hasCriteria, bool markAll);
+    // The search ended: the marks, the first hit and the commands follow its results.
+    void showSearchResults(bool markAll);
     CFindDlg* findDialog();
     void onSaveAsAscii();
     // Writes the ".sbt" report to `fileName`; false when the file cannot be written.

@@ -15,6 +15,7 @@
 #include <QPointer>
 
 #include <climits>
+#include <memory>
 
 namespace zdtui {
 namespace {
@@ -172,6 +173,27 @@ void ClassicDocument::finishCanFilter(const CanFilterPrompt::Answer& answer, con
                       doc->FinishCanFilter(answer, fltPath, &messages, &control);
                       return zdt::OperationStatus::Done;
                   });
+}
+
+void ClassicDocument::runFind(const ClassicFindCriteria& criteria, bool markAll, QWidget* parent) {
+    if (!m_open || isBusy())
+        return;
+    CAnalyzerDoc* doc = m_doc.get();
+    // The scan only reads; the results reach the document on this thread at the end.
+    auto hits = std::make_shared<std::vector<zdt::RowIndex>>();
+    const QPointer<QWidget> boxParent = parent;
+    runOperation(
+        tr("Searching %1").arg(pathName()),
+        [doc, criteria, hits](zdt::MessageSink&, zdt::OperationControl& control) {
+            return zdt::StatusOf(FindClassicRows(*doc, criteria, *hits, &control), control);
+        },
+        [this, hits, markAll, boxParent](const zdt::OperationOutcome& outcome) {
+            ApplyClassicFindResults(*m_doc, *hits, markAll);
+            if (outcome.status == zdt::OperationStatus::Done && hits->empty())
+                Boxes::instance().show(boxParent, QString::fromLatin1(SearchTitle),
+                                       QString::fromLatin1(NothingFoundText), QMessageBox::Warning);
+            Q_EMIT searchEnded(markAll);
+        });
 }
 
 // A filter pass rewrites the rows and cannot stop half-way: its Cancel is not offered,

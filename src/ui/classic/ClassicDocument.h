@@ -2,6 +2,7 @@
 
 #include "app/UiDocument.h"
 #include "classic/CAnalyzerDoc.h"
+#include "classic/ClassicSearch.h"
 
 #include <QString>
 
@@ -40,6 +41,9 @@ public:
     void onCanFilter(QWidget* parent);
     // The filter command once its dialog answered; `fltPath` counts when the answer applies a filter.
     void finishCanFilter(const CanFilterPrompt::Answer& answer, const std::string& fltPath, QWidget* parent);
+    // Runs the scan of the find dialog in the background; its results replace the
+    // document's (and, with `markAll`, its bookmarks) when it ended, also after a cancel.
+    void runFind(const ClassicFindCriteria& criteria, bool markAll, QWidget* parent);
     // A time style chosen: every view shows the times anew.
     void setTimeMode(TimeMode mode, std::uint32_t byteTime = 1);
 
@@ -50,6 +54,8 @@ Q_SIGNALS:
     void contentChanged();
     // The index pass has published rows up to `rows`; views add them to their lists.
     void rowsArrived(int rows);
+    // A search's results are in the document.
+    void searchEnded(bool markAll);
 
 protected:
     zdt::OperationJob openJob(const QString& path) override;
