@@ -68,8 +68,7 @@ inline std::uint64_t WarmPageCache(const std::string& path) {
 }
 
 // Best (shortest) time of `runs` runs; false as soon as one run fails.
-template <typename Timed>
-inline bool BestOf(int runs, double& best, Timed timed) {
+template <typename Timed> inline bool BestOf(int runs, double& best, Timed timed) {
     best = 0;
     for (int i = 0; i < runs; ++i) {
         double seconds = 0;
@@ -81,8 +80,8 @@ inline bool BestOf(int runs, double& best, Timed timed) {
 }
 
 inline std::string Speed(double bytes, double seconds) {
-    return Verdicts::Format(bytes / kMegabyte, 1) + " MB in " + Verdicts::Format(seconds, 3) + " s = " +
-           Verdicts::Format(bytes / kMegabyte / seconds, 1) + " MB/s";
+    return Verdicts::Format(bytes / kMegabyte, 1) + " MB in " + Verdicts::Format(seconds, 3) +
+           " s = " + Verdicts::Format(bytes / kMegabyte / seconds, 1) + " MB/s";
 }
 
 inline long StatusKilobytes(const char* key) {
@@ -192,8 +191,7 @@ private:
 
 // Every benchmark option takes a value: `take(name, value)` says whether it knew the
 // name. False for an unknown name or a name without its value.
-template <typename Take>
-inline bool ParseValueOptions(int argc, char** argv, Take take) {
+template <typename Take> inline bool ParseValueOptions(int argc, char** argv, Take take) {
     for (int i = 1; i < argc; ++i) {
         const std::string name = argv[i];
         if (i + 1 >= argc)

@@ -126,8 +126,7 @@ bool TimedOpens(int runs, const std::string& path, const ScratchDirectory& swap,
 }
 
 // Every row must be on the swap file once the open returns, the last flush included.
-template <typename Rows>
-void CheckSwapFileComplete(const std::string& name, Rows& rows, Verdicts& verdicts) {
+template <typename Rows> void CheckSwapFileComplete(const std::string& name, Rows& rows, Verdicts& verdicts) {
     std::error_code error;
     const auto onFile = std::filesystem::file_size(rows.swapFileName(), error);
     verdicts.Check(name, !error && onFile == rows.endOffset(),
@@ -136,8 +135,7 @@ void CheckSwapFileComplete(const std::string& name, Rows& rows, Verdicts& verdic
 }
 
 // Timed runs of a search of the open document, each after a baseline run.
-template <typename Search>
-bool TimedSearches(int runs, ExpatBaseline& baseline, double& best, Search search) {
+template <typename Search> bool TimedSearches(int runs, ExpatBaseline& baseline, double& best, Search search) {
     return BestOf(runs, best, [&](double& seconds) {
         baseline.Run();
         const auto start = Clock::now();

@@ -232,7 +232,7 @@ void CheckBeyond4GiB(const Options& o, Verdicts& verdicts) {
     }
     const double seconds = SecondsSince(start);
     std::cout << "index pass beyond 4 GiB: " << Speed(static_cast<double>(summary.bytes), seconds) << "\n";
-    verdicts.Check("record count beyond 4 GiB", trace.TotalCount() == summary.records,
+    verdicts.Check("record count beyond 4 GiB", static_cast<std::uint64_t>(trace.TotalCount()) == summary.records,
                    std::to_string(trace.TotalCount()) + " indexed, " + std::to_string(summary.records) + " written");
     if (trace.TotalCount() == 0)
         return;

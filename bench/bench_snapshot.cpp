@@ -166,7 +166,8 @@ double MeasureFind(const Options& o, const Reference& reference, double bytes, S
     if (!ok)
         return 0;
     const std::size_t hits = document.findResults().size();
-    const double share = reference.rows > 0 ? 100.0 * static_cast<double>(hits) / static_cast<double>(reference.rows) : 0;
+    const double share =
+        reference.rows > 0 ? 100.0 * static_cast<double>(hits) / static_cast<double>(reference.rows) : 0;
     std::cout << "SnpDoc find:   " << Speed(bytes, best) << " (best of " << o.runs << "), " << hits << " rows marked ("
               << Verdicts::Format(share, 2) << "%)\n";
     verdicts.Check("search marks the rows written as hits", hits == reference.searchHits,
@@ -202,8 +203,8 @@ double Percentile(std::vector<double> values, double fraction) {
     return values[index];
 }
 
-void MeasureRowReads(const Options& o, const std::vector<int>& randomRows, const Reference& reference,
-                     SnpDoc& document, Verdicts& verdicts) {
+void MeasureRowReads(const Options& o, const std::vector<int>& randomRows, const Reference& reference, SnpDoc& document,
+                     Verdicts& verdicts) {
     const int rowCount = document.container().rowCount();
     if (rowCount == 0 || randomRows.empty()) {
         verdicts.Check("row reads", false, "no rows to read");
@@ -268,13 +269,20 @@ int Usage() {
 
 bool ParseOptions(int argc, char** argv, Options& o) {
     const bool known = ParseValueOptions(argc, argv, [&o](const std::string& name, const std::string& value) {
-        if (name == "--snapshot") o.snapshot = value;
-        else if (name == "--rows") o.rows = value;
-        else if (name == "--swap-dir") o.swapParent = value;
-        else if (name == "--runs") o.runs = RunsOption(value);
-        else if (name == "--samples") o.samples = std::max(1, std::atoi(value.c_str()));
-        else if (name == "--seed") o.seed = std::strtoull(value.c_str(), nullptr, 10);
-        else return false;
+        if (name == "--snapshot")
+            o.snapshot = value;
+        else if (name == "--rows")
+            o.rows = value;
+        else if (name == "--swap-dir")
+            o.swapParent = value;
+        else if (name == "--runs")
+            o.runs = RunsOption(value);
+        else if (name == "--samples")
+            o.samples = std::max(1, std::atoi(value.c_str()));
+        else if (name == "--seed")
+            o.seed = std::strtoull(value.c_str(), nullptr, 10);
+        else
+            return false;
         return true;
     });
     if (!known)

@@ -121,8 +121,8 @@ void MeasureMemory(const Options& o, const TraceCase& trace, Verdicts& verdicts)
                 " for " + std::to_string(values.at("rows")) + " rows");
 }
 
-double MeasureFind(const Options& o, const TraceCase& trace, double bytes, XpvtDoc& document,
-                   ExpatBaseline& baseline, Verdicts& verdicts) {
+double MeasureFind(const Options& o, const TraceCase& trace, double bytes, XpvtDoc& document, ExpatBaseline& baseline,
+                   Verdicts& verdicts) {
     PrintingSink messages;
     if (trace.is702)
         SetCriteria702(document.findCriteria702());
@@ -184,11 +184,16 @@ int Usage() {
 
 bool ParseOptions(int argc, char** argv, Options& o) {
     const bool known = ParseValueOptions(argc, argv, [&o](const std::string& name, const std::string& value) {
-        if (name == "--trace702") o.trace702 = value;
-        else if (name == "--trace701") o.trace701 = value;
-        else if (name == "--swap-dir") o.swapParent = value;
-        else if (name == "--runs") o.runs = RunsOption(value);
-        else return false;
+        if (name == "--trace702")
+            o.trace702 = value;
+        else if (name == "--trace701")
+            o.trace701 = value;
+        else if (name == "--swap-dir")
+            o.swapParent = value;
+        else if (name == "--runs")
+            o.runs = RunsOption(value);
+        else
+            return false;
         return true;
     });
     if (!known)

@@ -34,8 +34,7 @@ inline bool WriteInput(const std::string& path, std::string_view prefix, const s
 }
 
 // The same file that opened must be searchable, and every mark must name a row of the list.
-template <typename Document>
-void RequireMarksInsideList(const Document& doc, bool searched) {
+template <typename Document> void RequireMarksInsideList(const Document& doc, bool searched) {
     if (!searched)
         std::abort();
     for (const int row : doc.findResults())

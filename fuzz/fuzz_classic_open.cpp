@@ -20,10 +20,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         CAnalyzerDoc doc;
         if (doc.OnOpenDocument(path)) {
             ClassicRowFormatter formatter(doc);
-            for (std::uint32_t row = 0; row < doc.GetVisibleCount() && row < 2000; ++row)
+            for (zdt::RowIndex row = 0; row < doc.GetVisibleCount() && row < 2000; ++row)
                 formatter.Format(row);
             ClassicReportFormatter report(doc);
-            for (std::uint32_t row = 0; row < doc.GetVisibleCount() && row < 200; ++row)
+            for (zdt::RowIndex row = 0; row < doc.GetVisibleCount() && row < 200; ++row)
                 report.FormatLine(row);
             ClassicFindCriteria criteria;
             criteria.useData = true;

@@ -14,9 +14,8 @@ namespace {
 using namespace fuzzsupport;
 
 // The seeds are sample traces with everything up to the header's end cut off.
-constexpr const char* kHeader =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ProcessValueTrace>\n"
-    "  <Description DateTime=\"2023-11-21T14:05:09\"><Schema>7,02</Schema></Description>\n";
+constexpr const char* kHeader = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ProcessValueTrace>\n"
+                                "  <Description DateTime=\"2023-11-21T14:05:09\"><Schema>7,02</Schema></Description>\n";
 
 // Short texts that the generated traces hold often, so that marks happen.
 void SetCriteria(ZDTAnalyzer::XpvtFindCriteria702& c) {

@@ -43,12 +43,12 @@ struct HistoryEntry {
 // after every `every` records. Kinds marked "record" take the place of a normal record,
 // so the record count stays as asked; the others are extra lines that are no records.
 struct HostileExtras {
-    bool emptyLines = false;         // ""                                   (no record)
-    bool digitOneLines = false;      // a line starting with '1'             (no record)
-    bool bracketLines = false;       // a line starting with '['             (no record)
-    bool longLines = false;          // a record line of 300 characters      (record)
-    bool overlongLengths = false;    // a declared length far beyond the line (record)
-    bool binaryGarbage = false;      // a garbage line, and a record line with garbage fields
+    bool emptyLines = false;      // ""                                   (no record)
+    bool digitOneLines = false;   // a line starting with '1'             (no record)
+    bool bracketLines = false;    // a line starting with '['             (no record)
+    bool longLines = false;       // a record line of 300 characters      (record)
+    bool overlongLengths = false; // a declared length far beyond the line (record)
+    bool binaryGarbage = false;   // a garbage line, and a record line with garbage fields
     std::uint32_t every = 16;
 
     bool Any() const;

@@ -20,10 +20,7 @@ public:
     std::uint32_t Below(std::uint32_t n) { return static_cast<std::uint32_t>(((Next() >> 32) * n) >> 32); }
     bool OneIn(std::uint32_t n) { return Below(n) == 0; }
     std::uint8_t Byte() { return static_cast<std::uint8_t>(Next() >> 56); }
-    template <typename T, std::size_t N>
-    const T& Pick(const std::array<T, N>& items) {
-        return items[Below(N)];
-    }
+    template <typename T, std::size_t N> const T& Pick(const std::array<T, N>& items) { return items[Below(N)]; }
 
 private:
     std::uint64_t m_state;

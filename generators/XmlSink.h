@@ -42,24 +42,36 @@ public:
     // parser turns a literal one into a line feed. Empty for a byte that goes as itself.
     static std::string_view TextReference(char c) {
         switch (c) {
-        case '&': return "&amp;";
-        case '<': return "&lt;";
-        case '>': return "&gt;";
-        case '\r': return "&#13;";
-        default: return {};
+        case '&':
+            return "&amp;";
+        case '<':
+            return "&lt;";
+        case '>':
+            return "&gt;";
+        case '\r':
+            return "&#13;";
+        default:
+            return {};
         }
     }
     // An attribute value in double quotes: white space other than the blank goes as
     // references, as a parser normalises literal tabs and line breaks to blanks.
     static std::string_view AttributeReference(char c) {
         switch (c) {
-        case '&': return "&amp;";
-        case '<': return "&lt;";
-        case '"': return "&quot;";
-        case '\t': return "&#9;";
-        case '\n': return "&#10;";
-        case '\r': return "&#13;";
-        default: return {};
+        case '&':
+            return "&amp;";
+        case '<':
+            return "&lt;";
+        case '"':
+            return "&quot;";
+        case '\t':
+            return "&#9;";
+        case '\n':
+            return "&#10;";
+        case '\r':
+            return "&#13;";
+        default:
+            return {};
         }
     }
 

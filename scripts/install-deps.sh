@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ make pkg-config libgtest-dev libgmock-dev libexpat1-dev
-          qt6-base-dev qt6-base-dev-tools libgl-dev fonts-dejavu-core)
+          qt6-base-dev qt6-base-dev-tools libgl-dev fonts-dejavu-core clang-format)
 if [ "${ZDT_WITH_FUZZ:-0}" = "1" ]; then
     packages+=(clang libclang-rt-14-dev)
 fi

@@ -21,8 +21,8 @@
 
 namespace {
 
-constexpr double kFirstRowsTarget = 0.3;   // seconds from the open to the first rows shown
-constexpr int kTickMilliseconds = 5;       // the probe's heartbeat on the windows' thread
+constexpr double kFirstRowsTarget = 0.3; // seconds from the open to the first rows shown
+constexpr int kTickMilliseconds = 5;     // the probe's heartbeat on the windows' thread
 
 int ShownRows(zdtui::CMainFrame& frame) {
     const QString count = frame.statusPaneText(2);

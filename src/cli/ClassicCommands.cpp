@@ -8,9 +8,9 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <thread>
 #include <fstream>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -60,11 +60,11 @@ private:
 } // namespace
 
 // Formats rows [first, end) into `text`, one tab-separated line each.
-void FormatRows(ClassicRowFormatter& formatter, std::uint32_t first, std::uint32_t end, std::string& text) {
+void FormatRows(ClassicRowFormatter& formatter, zdt::RowIndex first, zdt::RowIndex end, std::string& text) {
     ClassicRow formatted;
-    for (std::uint32_t row = first; row < end; ++row) {
+    for (zdt::RowIndex row = first; row < end; ++row) {
         formatter.Format(row, formatted);
-        textformat::AppendUnsigned(text, row + 1);
+        textformat::AppendUnsigned(text, static_cast<std::uint32_t>(row) + 1);
         text += '\t';
         text += formatted.mark;
         for (const std::string& column : formatted.columns) {
@@ -82,13 +82,14 @@ int RunClassicRows(const CliArguments& args) {
         return 1;
     // Two formatters, each with its own reader, take turns at blocks of rows; the
     // blocks are written in row order.
-    constexpr std::uint32_t kBlockRows = 32768;
+    constexpr zdt::RowCount kBlockRows = 32768;
     ClassicRowFormatter formatters[2] = {ClassicRowFormatter(doc), ClassicRowFormatter(doc)};
     std::string texts[2];
-    const std::uint32_t rows = doc.GetVisibleCount();
-    for (std::uint32_t first = 0; first < rows; first += 2 * kBlockRows) {
-        const std::uint32_t middle = std::min(rows, first + kBlockRows);
-        const std::uint32_t end = std::min(rows, middle + kBlockRows);
+    const zdt::RowCount rows = doc.GetVisibleCount();
+    // Block ends are taken from what is left, so that no sum passes the last row.
+    for (zdt::RowIndex first = 0, end = 0; first < rows; first = end) {
+        const zdt::RowIndex middle = first + std::min(kBlockRows, rows - first);
+        end = middle + std::min(kBlockRows, rows - middle);
         texts[0].clear();
         texts[1].clear();
         std::thread second;
@@ -158,7 +159,7 @@ int RunClassicFind(const CliArguments& args) {
         std::fprintf(stderr, "%s\n", NothingFoundText);
     } else {
         OutputBuffer out;
-        for (const std::uint32_t row : doc.FindResults()) {
+        for (const zdt::RowIndex row : doc.FindResults()) {
             out.Text() += std::to_string(row + 1);
             out.Text() += '\n';
         }

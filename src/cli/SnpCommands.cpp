@@ -17,20 +17,28 @@ using ZDTAnalyzer::SnpFindCriteria;
 SnpFindCriteria parseCriteria(const std::vector<std::string>& pairs) {
     SnpFindCriteria c;
     const std::map<std::string, bool*> flags = {
-        {"searchSnapShot", &c.searchSnapShot},         {"createdOn", &c.createdOn},
-        {"longNameOn", &c.longNameOn},                 {"shortNameOn", &c.shortNameOn},
-        {"searchLogicalLink", &c.searchLogicalLink},   {"linkNameOn", &c.linkNameOn},
-        {"searchService", &c.searchService},           {"serviceNameOn", &c.serviceNameOn},
-        {"searchComPrimitive", &c.searchComPrimitive}, {"comPrimitiveNameOn", &c.comPrimitiveNameOn},
-        {"searchDtc", &c.searchDtc},                   {"dtcValueOn", &c.dtcValueOn},
-        {"searchProcessValue", &c.searchProcessValue}, {"valueNameOn", &c.valueNameOn},
-        {"valueUnitOn", &c.valueUnitOn},               {"valueTextOn", &c.valueTextOn},
+        {"searchSnapShot", &c.searchSnapShot},
+        {"createdOn", &c.createdOn},
+        {"longNameOn", &c.longNameOn},
+        {"shortNameOn", &c.shortNameOn},
+        {"searchLogicalLink", &c.searchLogicalLink},
+        {"linkNameOn", &c.linkNameOn},
+        {"searchService", &c.searchService},
+        {"serviceNameOn", &c.serviceNameOn},
+        {"searchComPrimitive", &c.searchComPrimitive},
+        {"comPrimitiveNameOn", &c.comPrimitiveNameOn},
+        {"searchDtc", &c.searchDtc},
+        {"dtcValueOn", &c.dtcValueOn},
+        {"searchProcessValue", &c.searchProcessValue},
+        {"valueNameOn", &c.valueNameOn},
+        {"valueUnitOn", &c.valueUnitOn},
+        {"valueTextOn", &c.valueTextOn},
     };
     const std::map<std::string, std::string*> texts = {
-        {"created", &c.created},           {"longName", &c.longName},   {"shortName", &c.shortName},
-        {"linkName", &c.linkName},         {"serviceName", &c.serviceName},
-        {"comPrimitiveName", &c.comPrimitiveName},                      {"dtcValue", &c.dtcValue},
-        {"valueName", &c.valueName},       {"valueUnit", &c.valueUnit}, {"valueText", &c.valueText},
+        {"created", &c.created},     {"longName", &c.longName},       {"shortName", &c.shortName},
+        {"linkName", &c.linkName},   {"serviceName", &c.serviceName}, {"comPrimitiveName", &c.comPrimitiveName},
+        {"dtcValue", &c.dtcValue},   {"valueName", &c.valueName},     {"valueUnit", &c.valueUnit},
+        {"valueText", &c.valueText},
     };
     for (const std::string& pair : pairs) {
         const auto equals = pair.find('=');
@@ -61,8 +69,7 @@ int printInfo(const SnpDoc& doc) {
     return 0;
 }
 
-int printFind(SnpDoc& doc, const SnpFindCriteria& criteria, zdt::MessageSink& messages,
-              zdt::ProgressSink& progress) {
+int printFind(SnpDoc& doc, const SnpFindCriteria& criteria, zdt::MessageSink& messages, zdt::ProgressSink& progress) {
     if (!doc.find(criteria, &messages, &progress))
         return failureStatus();
     return printMarks(doc);

@@ -61,7 +61,7 @@ int failureStatus() {
 int printRows(ZDTAnalyzer::BaseDoc& doc) {
     auto& rows = doc.container();
     std::string text;
-    for (int row = 0; row < rows.rowCount(); ++row) {
+    for (zdt::RowIndex row = 0; row < rows.rowCount(); ++row) {
         if (interrupted())
             return InterruptedStatus;
         const std::string stored = rows.readRow(row);
@@ -85,7 +85,7 @@ int printRows(ZDTAnalyzer::BaseDoc& doc) {
 
 int printMarks(const ZDTAnalyzer::BaseDoc& doc) {
     std::string text;
-    for (const int row : doc.findResults())
+    for (const zdt::RowIndex row : doc.findResults())
         text += std::to_string(row + 1) + "\n";
     return printText(text);
 }

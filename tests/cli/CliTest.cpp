@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 using namespace classic_traces;
@@ -27,7 +26,8 @@ TEST(CliRows, PrintsEveryColumnTabSeparated) {
     // Options may follow the file.
     const CliRun absolute = Cli(dir, {"rows", trace, "--time", "absolute"});
     EXPECT_EQ(absolute.out.substr(0, 19), "1\t \t0,001000\t1\t    ");
-    const CliRun diagnostic = Cli(dir, {"rows", "--time=inter-byte", "--baud", "9600", dir.Write("d.trc", Diagnostic601())});
+    const CliRun diagnostic =
+        Cli(dir, {"rows", "--time=inter-byte", "--baud", "9600", dir.Write("d.trc", Diagnostic601())});
     EXPECT_EQ(diagnostic.out, "1\t \t3,055\t\t\t\t\t\t83\t\n2\tA\t11,247\t\t\t\t\t\tF1\t\n"
                               "3\tA\t10,000\t\t\t\t\t\tReceived corrupted byte\t\n");
 }
@@ -45,7 +45,7 @@ TEST(CliRows, LongTracesComeOutInRowOrder) {
         ASSERT_TRUE(doc.OnOpenDocument(trace));
         ClassicRowFormatter formatter(doc);
         std::string expected;
-        for (std::uint32_t row = 0; row < doc.GetVisibleCount(); ++row) {
+        for (zdt::RowIndex row = 0; row < doc.GetVisibleCount(); ++row) {
             const ClassicRow formatted = formatter.Format(row);
             expected += std::to_string(row + 1) + "\t" + formatted.mark;
             for (const auto& column : formatted.columns)
@@ -116,12 +116,18 @@ TEST(CliErrors, BadFilesGiveTheUsersMessageAndBadArgumentsUsage) {
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.err, "No valid ZDT - Trace File\nThe TraceFile " + bad + " is an invalid trace file!\n");
     EXPECT_EQ(Cli(dir, {"rows", dir.File("missing.trc")}).status, 1);
-    EXPECT_EQ(Cli(dir, {"info", dir.Write("v.trc", Head("ZDT Trace File", "702") + "[TraceData]\r\n")}).err.substr(0, 29),
-              "Invalid Version of Trace File");
+    EXPECT_EQ(
+        Cli(dir, {"info", dir.Write("v.trc", Head("ZDT Trace File", "702") + "[TraceData]\r\n")}).err.substr(0, 29),
+        "Invalid Version of Trace File");
     for (const std::vector<std::string>& args :
-         std::vector<std::vector<std::string>>{{}, {"frobnicate", "x.trc"}, {"rows"}, {"rows", "a.trc", "b.trc"},
-                                               {"rows", "--time", "sometimes", "a.trc"}, {"rows", "--baud", "-3", "a.trc"},
-                                               {"rows", "--unknown", "a.trc"}, {"sbt", "a.trc"}}) {
+         std::vector<std::vector<std::string>>{{},
+                                               {"frobnicate", "x.trc"},
+                                               {"rows"},
+                                               {"rows", "a.trc", "b.trc"},
+                                               {"rows", "--time", "sometimes", "a.trc"},
+                                               {"rows", "--baud", "-3", "a.trc"},
+                                               {"rows", "--unknown", "a.trc"},
+                                               {"sbt", "a.trc"}}) {
         const CliRun usage = Cli(dir, args);
         EXPECT_EQ(usage.status, 2);
         EXPECT_NE(usage.err.find("usage: zdt-cli"), std::string::npos);

@@ -37,10 +37,10 @@ TEST(SnpCli, RowsMatchTheGeneratorsSideFile) {
 
 TEST(SnpCli, InfoAndFind) {
     TempDir dir;
-    const std::string path = dir.Write(
-        "s.snp", "<SnapList Created='14:05:09,21.11.2023'><SnapShot ShortName='A'><LogicalLink Name='L'>"
-                 "<Service Name='ReadData'/><Service Name='Write'/><Service Name='Read'/>"
-                 "</LogicalLink></SnapShot></SnapList>");
+    const std::string path =
+        dir.Write("s.snp", "<SnapList Created='14:05:09,21.11.2023'><SnapShot ShortName='A'><LogicalLink Name='L'>"
+                           "<Service Name='ReadData'/><Service Name='Write'/><Service Name='Read'/>"
+                           "</LogicalLink></SnapShot></SnapList>");
     const CliRun info = RunCliInHome(dir, {"info", path});
     EXPECT_EQ(info.status, 0);
     EXPECT_EQ(info.out, "File name: " + path + "\nDate: 21.11.2023\nTime: 14:05:09\nAuthor: ZDT V7\nRows: 7\n");
@@ -67,9 +67,11 @@ TEST(SnpCli, FailuresAndBadArguments) {
     EXPECT_EQ(LeftoverFiles(dir), 0u);
 
     const std::string good = dir.Write("g.snp", "<SnapList/>");
-    for (const std::vector<std::string>& args :
-         {std::vector<std::string>{"find", good, "unknownField=1"}, {"find", good, "searchService=yes"},
-          {"find", good, "serviceName"}, {"rows", good, good}, {"sbt", good, dir.File("out.sbt")}}) {
+    for (const std::vector<std::string>& args : {std::vector<std::string>{"find", good, "unknownField=1"},
+                                                 {"find", good, "searchService=yes"},
+                                                 {"find", good, "serviceName"},
+                                                 {"rows", good, good},
+                                                 {"sbt", good, dir.File("out.sbt")}}) {
         const CliRun run = RunCliInHome(dir, args);
         EXPECT_EQ(run.status, 2) << args[0] << " " << args.back();
         EXPECT_NE(run.err.find("usage:"), std::string::npos);

@@ -151,7 +151,8 @@ TEST(XpvtCli, Find702BySection) {
     EXPECT_EQ(miss.status, 0) << miss.err;
     EXPECT_EQ(miss.out, "");
     // A section whose findPressed is cleared explicitly takes no part.
-    const CliRun unpressed = RunCliInHome(dir, {"find", path, "ParameterSection.name=Did", "ParameterSection.findPressed=0"});
+    const CliRun unpressed =
+        RunCliInHome(dir, {"find", path, "ParameterSection.name=Did", "ParameterSection.findPressed=0"});
     EXPECT_EQ(unpressed.status, 0) << unpressed.err;
     EXPECT_EQ(unpressed.out, "");
 }

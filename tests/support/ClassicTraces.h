@@ -8,8 +8,8 @@
 namespace classic_traces {
 
 inline std::string Head(const std::string& title, const std::string& schema) {
-    return CrLf({"[Description]", "Title=" + title, "Schema=" + schema, "Creator=unit test",
-                 "ProductVersion=7.1.2", "InterfaceBoard=VCI-4", "Date=21.11.2026", "Time=14:05:09"});
+    return CrLf({"[Description]", "Title=" + title, "Schema=" + schema, "Creator=unit test", "ProductVersion=7.1.2",
+                 "InterfaceBoard=VCI-4", "Date=21.11.2026", "Time=14:05:09"});
 }
 
 // K-line bytes and an event: a diagnostic trace of absolute times.
@@ -28,9 +28,8 @@ inline std::string Can601() {
 
 // A 701 trace with untimed records between timed ones.
 inline std::string Diagnostic701() {
-    return Head("ZDT Trace File", "701") +
-           CrLf({"[TraceData]", "FF01 X  X 2026 - 11 - 21 14 : 05 : 09", "0005 X        0000012345", "0000 X -",
-                 "0000 X 20000"});
+    return Head("ZDT Trace File", "701") + CrLf({"[TraceData]", "FF01 X  X 2026 - 11 - 21 14 : 05 : 09",
+                                                 "0005 X        0000012345", "0000 X -", "0000 X 20000"});
 }
 
 inline std::string Filter(const std::string& type, std::initializer_list<std::string> ids) {

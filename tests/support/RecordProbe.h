@@ -11,8 +11,7 @@ struct RecordProbe {
     CTraceItemI item;
 
     // A getter's value, or all ones when it leaves its out-parameter alone.
-    template <typename T>
-    T Get(int (CTraceItem::*getter)(T&) const) const {
+    template <typename T> T Get(int (CTraceItem::*getter)(T&) const) const {
         T value = static_cast<T>(~T{});
         (item.*getter)(value);
         return value;

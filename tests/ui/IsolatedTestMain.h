@@ -7,8 +7,7 @@
 
 // Runs a test object with the settings and temporary directories of this run in a folder
 // of their own, whatever edition the environment names.
-template <typename Test>
-int RunIsolatedTest(int argc, char* argv[]) {
+template <typename Test> int RunIsolatedTest(int argc, char* argv[]) {
     QTemporaryDir home;
     qputenv("XDG_CONFIG_HOME", QDir(home.path()).filePath("config").toUtf8());
     qputenv("ZDT_ANALYZER_HOME", QDir(home.path()).filePath("analyzer").toUtf8());

@@ -24,9 +24,9 @@ int BrandEditionFromName(const std::string& brandName);
 struct EditionInfo {
     int edition;
     std::string_view applicationTitle;
-    int mainFrameId;           // menu, icon and title string of the main frame
-    int classicTemplateId;     // menu of a classic document
-    bool partnerAboutBox;      // the partner's about box, which has an extra line
+    int mainFrameId;       // menu, icon and title string of the main frame
+    int classicTemplateId; // menu of a classic document
+    bool partnerAboutBox;  // the partner's about box, which has an extra line
     std::string_view aboutTitle;
     std::string_view aboutName;
     std::string_view aboutExtraLine; // empty unless partnerAboutBox

@@ -10,8 +10,7 @@ constexpr std::array<std::string_view, 8> RoutableExtensions{
     "xpvt", "trc", "trc1", "trc2", "tr0", "crc", "trx", "snp",
 };
 
-std::string ToLower(std::string text)
-{
+std::string ToLower(std::string text) {
     for (char& c : text) {
         if (c >= 'A' && c <= 'Z')
             c = static_cast<char>(c - 'A' + 'a');
@@ -20,8 +19,7 @@ std::string ToLower(std::string text)
 }
 
 // The extension of the file name only, "." included, as document templates match it.
-std::string FileNameExtension(const std::string& path)
-{
+std::string FileNameExtension(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::size_t dot = path.rfind('.');
     if (dot == std::string::npos || (slash != std::string::npos && dot < slash))
@@ -29,8 +27,7 @@ std::string FileNameExtension(const std::string& path)
     return path.substr(dot);
 }
 
-DocumentSelection Select(const std::vector<std::string>& paths, const char* warningTitle)
-{
+DocumentSelection Select(const std::vector<std::string>& paths, const char* warningTitle) {
     DocumentSelection selection;
     for (const std::string& path : paths)
         (IsRoutablePath(path) ? selection.accepted : selection.rejected).push_back(path);
@@ -47,8 +44,7 @@ DocumentSelection Select(const std::vector<std::string>& paths, const char* warn
 
 } // namespace
 
-bool IsRoutablePath(const std::string& path)
-{
+bool IsRoutablePath(const std::string& path) {
     const std::size_t dot = path.rfind('.');
     if (dot != std::string::npos && dot + 1 == path.size())
         return false;
@@ -60,8 +56,7 @@ bool IsRoutablePath(const std::string& path)
     return false;
 }
 
-DocumentFamily FamilyForPath(const std::string& path)
-{
+DocumentFamily FamilyForPath(const std::string& path) {
     const std::string extension = ToLower(FileNameExtension(path));
     if (extension == ".xpvt")
         return DocumentFamily::Xpvt;
@@ -70,13 +65,11 @@ DocumentFamily FamilyForPath(const std::string& path)
     return DocumentFamily::Classic;
 }
 
-DocumentSelection SelectFromFileDialog(const std::vector<std::string>& paths)
-{
+DocumentSelection SelectFromFileDialog(const std::vector<std::string>& paths) {
     return Select(paths, "E001_003 [Wrong file type.]");
 }
 
-DocumentSelection SelectDroppedFiles(const std::vector<std::string>& paths)
-{
+DocumentSelection SelectDroppedFiles(const std::vector<std::string>& paths) {
     DocumentSelection selection = Select(paths, "E005_001 [Wrong file type.]");
     selection.warnBeforeCascade = true;
     selection.warningOnMainFrame = true;
@@ -84,4 +77,3 @@ DocumentSelection SelectDroppedFiles(const std::vector<std::string>& paths)
 }
 
 } // namespace zdt
-

@@ -24,7 +24,7 @@ DocumentFamily FamilyForPath(const std::string& path);
 struct DocumentSelection {
     std::vector<std::string> accepted; // to open, in the given order
     std::vector<std::string> rejected;
-    bool cascade = false;              // arrange the child windows afterwards
+    bool cascade = false;               // arrange the child windows afterwards
     std::optional<UserMessage> warning; // one box naming every rejected path
     // Dropped files warn on the main frame before cascading; the file dialog cascades
     // first and warns with no parent window.
@@ -36,9 +36,7 @@ DocumentSelection SelectFromFileDialog(const std::vector<std::string>& paths);
 DocumentSelection SelectDroppedFiles(const std::vector<std::string>& paths);
 
 // The pattern pair the file dialog offers.
-inline constexpr const char* TraceFilesFilterName =
-    "Trace Files (.trc;.trc1;.trc2;.crc;.tr0;.trX;.xpvt;.snp)";
-inline constexpr const char* TraceFilesFilterPattern =
-    "*.trc;*.trc1;*.trc2;*.crc;*.tr0;*.trX;*.xpvt;*.snp";
+inline constexpr const char* TraceFilesFilterName = "Trace Files (.trc;.trc1;.trc2;.crc;.tr0;.trX;.xpvt;.snp)";
+inline constexpr const char* TraceFilesFilterPattern = "*.trc;*.trc1;*.trc2;*.crc;*.tr0;*.trX;*.xpvt;*.snp";
 
 } // namespace zdt

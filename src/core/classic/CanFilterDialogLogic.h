@@ -16,11 +16,11 @@ inline constexpr const char* kCanFilterDeleteTitle = "Delete Can Filter";
 inline constexpr const char* kCanFilterFileDialogFilter = "Can Filter Files (*.flt)";
 
 struct CanFilterDialogState {
-    std::string filterName;   // the chosen file, without directory
-    std::string previousName; // the filter of the last accepted choice
-    bool automatic = false;   // the document opened the dialog by itself
-    bool activate = false;    // "Activate &Filter"
-    bool changed = false;     // a filter is to be applied
+    std::string filterName;         // the chosen file, without directory
+    std::string previousName;       // the filter of the last accepted choice
+    bool automatic = false;         // the document opened the dialog by itself
+    bool activate = false;          // "Activate &Filter"
+    bool changed = false;           // a filter is to be applied
     std::vector<std::string> names; // the list, in its shown order
     int selection = -1;
 };
@@ -46,8 +46,8 @@ void ToggleCanFilterActivate(CanFilterDialogState& state);
 
 // What "&Add..." does with the chosen source file.
 enum class CanFilterAddStep {
-    SameFile,      // refuse: the source is the target
-    AskOverwrite,  // the target exists: ask before replacing it
+    SameFile,     // refuse: the source is the target
+    AskOverwrite, // the target exists: ask before replacing it
     Copy,
 };
 CanFilterAddStep DecideCanFilterAdd(const std::string& source, const std::string& target);

@@ -239,7 +239,6 @@ bool ScanClassicTrace(CAnalyzerDoc& doc, const ClassicFindCriteria& c, bool mark
     return finished;
 }
 
-
 zdt::RowIndex FindNext(const std::vector<zdt::RowIndex>& results, zdt::RowIndex selectedRow,
                        zdt::MessageSink* messages) {
     for (const zdt::RowIndex row : results)

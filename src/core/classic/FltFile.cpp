@@ -13,22 +13,19 @@ constexpr const char* kSection = "CAN";
 constexpr std::uint32_t kFreeSlot = 0xFFFFFFFFu;
 
 // The same reading as the document's: sscanf "%x", 0 when the text is no number.
-std::uint32_t ReadHex(const std::string& text)
-{
+std::uint32_t ReadHex(const std::string& text) {
     unsigned value = 0;
     std::sscanf(text.c_str(), "%x", &value);
     return value;
 }
 
-std::string Hex(std::uint32_t value)
-{
+std::string Hex(std::uint32_t value) {
     char text[16];
     std::snprintf(text, sizeof text, "%X", static_cast<unsigned>(value));
     return text;
 }
 
-std::string Trim(const std::string& text)
-{
+std::string Trim(const std::string& text) {
     std::size_t begin = 0;
     std::size_t end = text.size();
     while (begin < end && (text[begin] == ' ' || text[begin] == '\t'))
@@ -38,8 +35,7 @@ std::string Trim(const std::string& text)
     return text.substr(begin, end - begin);
 }
 
-bool EqualNoCase(const std::string& a, const std::string& b)
-{
+bool EqualNoCase(const std::string& a, const std::string& b) {
     if (a.size() != b.size())
         return false;
     for (std::size_t i = 0; i < a.size(); ++i) {
@@ -49,8 +45,7 @@ bool EqualNoCase(const std::string& a, const std::string& b)
     return true;
 }
 
-bool IsHexDigits(const std::string& text)
-{
+bool IsHexDigits(const std::string& text) {
     if (text.empty())
         return false;
     for (char c : text) {
@@ -61,23 +56,19 @@ bool IsHexDigits(const std::string& text)
 }
 
 // Keys the reader takes for entries: a hex number as "%X" writes it, in any case.
-bool IsEntryKey(const std::string& key)
-{
+bool IsEntryKey(const std::string& key) {
     return IsHexDigits(key) && key.front() != '0';
 }
 
-bool IsFilterKey(const std::string& key)
-{
+bool IsFilterKey(const std::string& key) {
     return EqualNoCase(key, "Type") || EqualNoCase(key, "NoOfEntries") || IsEntryKey(key);
 }
 
-bool EndsWith(const std::string& text, const std::string& end)
-{
+bool EndsWith(const std::string& text, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-std::vector<std::string> SplitLines(const std::string& text)
-{
+std::vector<std::string> SplitLines(const std::string& text) {
     std::vector<std::string> lines;
     std::size_t start = 0;
     while (start < text.size()) {
@@ -93,8 +84,7 @@ std::vector<std::string> SplitLines(const std::string& text)
     return lines;
 }
 
-std::vector<std::string> FilterLines(const FltFilter& filter)
-{
+std::vector<std::string> FilterLines(const FltFilter& filter) {
     std::vector<std::string> lines;
     lines.push_back(std::string("Type=") + (filter.stopFilter ? "StopFilter" : "PassFilter"));
     lines.push_back("NoOfEntries=" + Hex(static_cast<std::uint32_t>(filter.identifiers.size())));
@@ -105,8 +95,7 @@ std::vector<std::string> FilterLines(const FltFilter& filter)
 
 } // namespace
 
-FltFilter ReadFltFile(const std::string& path)
-{
+FltFilter ReadFltFile(const std::string& path) {
     CIniFile ini(path);
     FltFilter filter;
     filter.stopFilter = ini.GetString("Type", "Unknown", kSection) == "StopFilter";
@@ -119,8 +108,7 @@ FltFilter ReadFltFile(const std::string& path)
     return filter;
 }
 
-std::string FormatFlt(const FltFilter& filter, const std::string& existingText)
-{
+std::string FormatFlt(const FltFilter& filter, const std::string& existingText) {
     const bool crLf = existingText.empty() || existingText.find("\r\n") != std::string::npos;
     const std::string eol = crLf ? "\r\n" : "\n";
     const std::vector<std::string> filterLines = FilterLines(filter);
@@ -132,7 +120,8 @@ std::string FormatFlt(const FltFilter& filter, const std::string& existingText)
         const std::string trimmed = Trim(line);
         if (!trimmed.empty() && trimmed.front() == '[') {
             const std::size_t close = trimmed.find(']');
-            const std::string name = Trim(trimmed.substr(1, close == std::string::npos ? std::string::npos : close - 1));
+            const std::string name =
+                Trim(trimmed.substr(1, close == std::string::npos ? std::string::npos : close - 1));
             inFilterSection = EqualNoCase(name, kSection);
             text += line + eol;
             if (inFilterSection && !written) {
@@ -158,8 +147,7 @@ std::string FormatFlt(const FltFilter& filter, const std::string& existingText)
     return text;
 }
 
-bool WriteFltFile(const std::string& path, const FltFilter& filter)
-{
+bool WriteFltFile(const std::string& path, const FltFilter& filter) {
     std::string existing;
     {
         std::ifstream in(path, std::ios::binary);
@@ -174,8 +162,7 @@ bool WriteFltFile(const std::string& path, const FltFilter& filter)
     return static_cast<bool>(out);
 }
 
-std::optional<std::uint32_t> ParseIdentifierText(const std::string& text, bool extended)
-{
+std::optional<std::uint32_t> ParseIdentifierText(const std::string& text, bool extended) {
     std::string digits = Trim(text);
     if (digits.size() > 2 && digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X'))
         digits.erase(0, 2);
@@ -190,8 +177,7 @@ std::optional<std::uint32_t> ParseIdentifierText(const std::string& text, bool e
     return extended ? value | FltExtendedFlag : value;
 }
 
-std::string FormatIdentifierText(std::uint32_t identifier)
-{
+std::string FormatIdentifierText(std::uint32_t identifier) {
     if (identifier & FltExtendedFlag)
         return "0x" + Hex(identifier & ~FltExtendedFlag) + " (extended)";
     return "0x" + Hex(identifier);

@@ -4,14 +4,12 @@
 
 #include <cctype>
 
-void ChooseByteLength(KLineByteSettings& settings, std::uint32_t bits)
-{
+void ChooseByteLength(KLineByteSettings& settings, std::uint32_t bits) {
     if (bits == 8 || bits == 7)
         settings.dataBits = bits;
 }
 
-std::optional<std::uint32_t> ParseBaudrate(const std::string& text)
-{
+std::optional<std::uint32_t> ParseBaudrate(const std::string& text) {
     std::size_t begin = text.find_first_not_of(" \t");
     const std::size_t end = text.find_last_not_of(" \t");
     if (begin == std::string::npos)
@@ -31,19 +29,16 @@ std::optional<std::uint32_t> ParseBaudrate(const std::string& text)
     return static_cast<std::uint32_t>(value);
 }
 
-zdt::UserMessage BaudrateRangeMessage()
-{
+zdt::UserMessage BaudrateRangeMessage() {
     return {"", "Please enter an integer between 0 and 16777215.", zdt::MessageIcon::Warning};
 }
 
-std::optional<std::uint32_t> KLineByteTime(const KLineByteSettings& settings)
-{
+std::optional<std::uint32_t> KLineByteTime(const KLineByteSettings& settings) {
     if (settings.baudrate == 0)
         return std::nullopt;
     return static_cast<std::uint32_t>(ByteTimeMicros(settings.baudrate, settings.dataBits, settings.stopBits));
 }
 
-zdt::UserMessage BaudrateZeroMessage()
-{
+zdt::UserMessage BaudrateZeroMessage() {
     return {"", "A baud rate of 0 gives no byte time. Please enter a baud rate above 0.", zdt::MessageIcon::Warning};
 }

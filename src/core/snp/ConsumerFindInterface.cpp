@@ -21,18 +21,22 @@ bool rowMatches(const SnpFindCriteria& c, const std::vector<std::string>& slots,
                                     holds(slots, Slot::LongName, c.longNameOn, c.longName) ||
                                     holds(slots, Slot::Created, c.createdOn, c.created));
     case RowEvent::LinkStart:
-    case RowEvent::LinkStop: return c.searchLogicalLink && holds(slots, Slot::LinkName, c.linkNameOn, c.linkName);
-    case RowEvent::Service: return c.searchService && holds(slots, Slot::Name, c.serviceNameOn, c.serviceName);
+    case RowEvent::LinkStop:
+        return c.searchLogicalLink && holds(slots, Slot::LinkName, c.linkNameOn, c.linkName);
+    case RowEvent::Service:
+        return c.searchService && holds(slots, Slot::Name, c.serviceNameOn, c.serviceName);
     case RowEvent::ComPrimitive:
         return c.searchComPrimitive && holds(slots, Slot::Name, c.comPrimitiveNameOn, c.comPrimitiveName);
-    case RowEvent::Dtc: return c.searchDtc && holds(slots, Slot::Value, c.dtcValueOn, c.dtcValue);
+    case RowEvent::Dtc:
+        return c.searchDtc && holds(slots, Slot::Value, c.dtcValueOn, c.dtcValue);
     case RowEvent::ProcessValue:
         return c.searchProcessValue && (holds(slots, Slot::Name, c.valueNameOn, c.valueName) ||
                                         holds(slots, Slot::Unit, c.valueUnitOn, c.valueUnit) ||
                                         holds(slots, Slot::Value, c.valueTextOn, c.valueText));
     case RowEvent::Error:
     case RowEvent::Project:
-    case RowEvent::Vit: return false;
+    case RowEvent::Vit:
+        return false;
     }
     return false;
 }
@@ -46,7 +50,7 @@ void SaxParserTraits<ConsumerFindInterface>::onRow(Context& context, RowEvent ev
     if (consumer == nullptr || consumer->document == nullptr || consumer->criteria == nullptr)
         return;
     // Every row counts, searched or not, or every later mark would land one row off.
-    const int row = consumer->row++;
+    const zdt::RowIndex row = consumer->row++;
     if (rowMatches(*consumer->criteria, context.slots, event))
         consumer->document->markFindResult(row);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/RowTypes.h"
 #include "snp/SnpElements.h"
 #include "snp/SnpFindCriteria.h"
 
@@ -17,11 +18,10 @@ namespace ZDTAnalyzer::Snp {
 struct ConsumerFindInterface {
     SnpDoc* document = nullptr;
     const SnpFindCriteria* criteria = nullptr;
-    int row = 0;
+    zdt::RowIndex row = 0; // the row the next event makes
 };
 
-template <>
-struct SaxParserTraits<ConsumerFindInterface> {
+template <> struct SaxParserTraits<ConsumerFindInterface> {
     using XMLElements = Snp::XMLElements;
     using Consumer = ConsumerFindInterface;
     using Context = ConsumerContext<Consumer>;

@@ -15,17 +15,28 @@ struct RowLayout {
 
 RowLayout layoutOf(RowEvent event) {
     switch (event) {
-    case RowEvent::SnapShotStart: return {"000", "Start SnapShot"};
-    case RowEvent::SnapShotStop: return {"000", "Stop SnapShot"};
-    case RowEvent::Project: return {"001", "Zdt Project"};
-    case RowEvent::Vit: return {"001", "VIT"};
-    case RowEvent::LinkStart: return {"000", "Start LogicalLink"};
-    case RowEvent::LinkStop: return {"000", "Stop LogicalLink"};
-    case RowEvent::Service: return {"000", "Service"};
-    case RowEvent::ComPrimitive: return {"000", "ComPrimitive"};
-    case RowEvent::Dtc: return {"000", "DTC"};
-    case RowEvent::Error: return {"003", "Error"};
-    case RowEvent::ProcessValue: return {"002", ""};
+    case RowEvent::SnapShotStart:
+        return {"000", "Start SnapShot"};
+    case RowEvent::SnapShotStop:
+        return {"000", "Stop SnapShot"};
+    case RowEvent::Project:
+        return {"001", "Zdt Project"};
+    case RowEvent::Vit:
+        return {"001", "VIT"};
+    case RowEvent::LinkStart:
+        return {"000", "Start LogicalLink"};
+    case RowEvent::LinkStop:
+        return {"000", "Stop LogicalLink"};
+    case RowEvent::Service:
+        return {"000", "Service"};
+    case RowEvent::ComPrimitive:
+        return {"000", "ComPrimitive"};
+    case RowEvent::Dtc:
+        return {"000", "DTC"};
+    case RowEvent::Error:
+        return {"003", "Error"};
+    case RowEvent::ProcessValue:
+        return {"002", ""};
     }
     return {"000", ""};
 }
@@ -53,19 +64,31 @@ std::string buildSnapshotRow(const std::vector<std::string>& slots, RowEvent eve
     columns[1] = layout.event;
     switch (event) {
     case RowEvent::SnapShotStart:
-    case RowEvent::SnapShotStop: columns[2] = snapshotText(slots); break;
-    case RowEvent::Project: columns[2] = slotText(slots, Slot::Project); break;
-    case RowEvent::Vit: columns[2] = slotText(slots, Slot::Vit); break;
+    case RowEvent::SnapShotStop:
+        columns[2] = snapshotText(slots);
+        break;
+    case RowEvent::Project:
+        columns[2] = slotText(slots, Slot::Project);
+        break;
+    case RowEvent::Vit:
+        columns[2] = slotText(slots, Slot::Vit);
+        break;
     case RowEvent::LinkStart:
-    case RowEvent::LinkStop: columns[3] = slotText(slots, Slot::LinkName); break;
-    case RowEvent::Dtc: columns[2] = slotText(slots, Slot::Value); break;
+    case RowEvent::LinkStop:
+        columns[3] = slotText(slots, Slot::LinkName);
+        break;
+    case RowEvent::Dtc:
+        columns[2] = slotText(slots, Slot::Value);
+        break;
     case RowEvent::ProcessValue:
         columns[2] = "ProcessValue";
         columns[3] = slotText(slots, Slot::Name);
         columns[4] = slotText(slots, Slot::Value);
         columns[5] = slotText(slots, Slot::Unit);
         break;
-    default: columns[2] = slotText(slots, Slot::Name); break;
+    default:
+        columns[2] = slotText(slots, Slot::Name);
+        break;
     }
     std::string row;
     for (const std::string& column : columns) {

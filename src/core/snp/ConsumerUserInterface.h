@@ -16,8 +16,7 @@ struct ConsumerUserInterface {
     SnpDoc* document = nullptr;
 };
 
-template <>
-struct SaxParserTraits<ConsumerUserInterface> {
+template <> struct SaxParserTraits<ConsumerUserInterface> {
     using XMLElements = Snp::XMLElements;
     using Consumer = ConsumerUserInterface;
     using Context = ConsumerContext<Consumer>;

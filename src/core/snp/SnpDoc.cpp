@@ -3,7 +3,6 @@
 #include "snp/ConsumerFindInterface.h"
 #include "xmldoc/GuardedPass.h"
 
-
 namespace ZDTAnalyzer {
 
 void SnpDoc::Description::setField(std::string name, std::string value) {

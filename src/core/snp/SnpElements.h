@@ -59,8 +59,7 @@ enum class RowEvent {
 };
 
 // Specialised once per consumer: the row pass and the search pass.
-template <typename Consumer>
-struct SaxParserTraits;
+template <typename Consumer> struct SaxParserTraits;
 
 // Replaces the slot with the first attribute of that name; an absent one leaves it.
 inline void readAttribute(const char** attributes, const char* name, std::string& slot) {
@@ -76,8 +75,7 @@ inline void readAttribute(const char** attributes, const char* name, std::string
 //   static void onRow(Context&, RowEvent);      // the row (or its count) at this moment
 //   static void onListCreated(Context&);        // "SnapList" has read its "Created"
 // The slots a row uses are cleaned by PrintableOnly before the hook runs.
-template <typename Traits>
-struct SnapshotRoutines {
+template <typename Traits> struct SnapshotRoutines {
     using E = typename Traits::XMLElements;
     using Parser = SaxParser<Traits>;
     using Context = ConsumerContext<typename Traits::Consumer>;
@@ -93,14 +91,21 @@ struct SnapshotRoutines {
     static std::array<int, 3> slotsOf(RowEvent event) {
         switch (event) {
         case RowEvent::SnapShotStart:
-        case RowEvent::SnapShotStop: return {Slot::ShortName, Slot::LongName, Slot::Created};
-        case RowEvent::Project: return {Slot::Project, -1, -1};
-        case RowEvent::Vit: return {Slot::Vit, -1, -1};
+        case RowEvent::SnapShotStop:
+            return {Slot::ShortName, Slot::LongName, Slot::Created};
+        case RowEvent::Project:
+            return {Slot::Project, -1, -1};
+        case RowEvent::Vit:
+            return {Slot::Vit, -1, -1};
         case RowEvent::LinkStart:
-        case RowEvent::LinkStop: return {Slot::LinkName, -1, -1};
-        case RowEvent::Dtc: return {Slot::Value, -1, -1};
-        case RowEvent::ProcessValue: return {Slot::Name, Slot::Unit, Slot::Value};
-        default: return {Slot::Name, -1, -1};
+        case RowEvent::LinkStop:
+            return {Slot::LinkName, -1, -1};
+        case RowEvent::Dtc:
+            return {Slot::Value, -1, -1};
+        case RowEvent::ProcessValue:
+            return {Slot::Name, Slot::Unit, Slot::Value};
+        default:
+            return {Slot::Name, -1, -1};
         }
     }
 
@@ -142,8 +147,7 @@ struct SnapshotRoutines {
         slot(c, Slot::LinkName).clear();
     }
     // Service, ComPrimitive and Error: a row at the start, from the name alone.
-    template <RowEvent Event>
-    static void startNamed(Context& c, const char** a) {
+    template <RowEvent Event> static void startNamed(Context& c, const char** a) {
         readAttribute(a, "Name", slot(c, Slot::Name));
         row(c, Event);
         slot(c, Slot::Name).clear();
@@ -169,12 +173,15 @@ struct SnapshotRoutines {
     static void installTransitions(Parser& parser) {
         static const Transition root[] = {{"SnapList", E::SnapList}, {"", E::UnknownElement}};
         static const Transition snapList[] = {{"SnapShot", E::SnapShot}, {"", E::UnknownElement}};
-        static const Transition snapShot[] = {{"ZDTProject", E::ZDTProject}, {"VIT", E::VIT},
-                                              {"LogicalLink", E::LogicalLink}, {"Service", E::Service},
-                                              {"BUS", E::BUS}, {"ECUAddress", E::ECUAddress},
-                                              {"", E::UnknownElement}};
-        static const Transition link[] = {{"Service", E::Service}, {"ComPrimitive", E::ComPrimitive},
-                                          {"DTC", E::DTC}, {"Error", E::Error}, {"", E::UnknownElement}};
+        static const Transition snapShot[] = {
+            {"ZDTProject", E::ZDTProject}, {"VIT", E::VIT}, {"LogicalLink", E::LogicalLink},
+            {"Service", E::Service},       {"BUS", E::BUS}, {"ECUAddress", E::ECUAddress},
+            {"", E::UnknownElement}};
+        static const Transition link[] = {{"Service", E::Service},
+                                          {"ComPrimitive", E::ComPrimitive},
+                                          {"DTC", E::DTC},
+                                          {"Error", E::Error},
+                                          {"", E::UnknownElement}};
         // Every child of these, whatever its name, is read as a process value.
         static const Transition values[] = {{"ProcessValue", E::ProcessValue}, {"", E::ProcessValue}};
 

@@ -26,14 +26,20 @@ int radioOf(FindField field) {
     switch (field) {
     case FindField::ShortName:
     case FindField::LongName:
-    case FindField::Created: return RadioSnapShot;
-    case FindField::LinkName: return RadioLogicalLink;
-    case FindField::ServiceName: return RadioService;
-    case FindField::ComPrimitiveName: return RadioComPrimitive;
-    case FindField::DtcValue: return RadioDtc;
+    case FindField::Created:
+        return RadioSnapShot;
+    case FindField::LinkName:
+        return RadioLogicalLink;
+    case FindField::ServiceName:
+        return RadioService;
+    case FindField::ComPrimitiveName:
+        return RadioComPrimitive;
+    case FindField::DtcValue:
+        return RadioDtc;
     case FindField::ValueName:
     case FindField::ValueUnit:
-    case FindField::ValueText: return RadioProcessValue;
+    case FindField::ValueText:
+        return RadioProcessValue;
     }
     return -1;
 }
@@ -90,7 +96,8 @@ void fillCriteria(const FindDialogControls& controls, SnpFindCriteria& criteria)
         }
         break;
     }
-    default: break;
+    default:
+        break;
     }
 }
 

@@ -1,12 +1,10 @@
 #include "trace/CFileName.h"
 
-CFileName::CFileName(const std::string& fullPath)
-{
+CFileName::CFileName(const std::string& fullPath) {
     Set(fullPath);
 }
 
-void CFileName::Set(const std::string& fullPath)
-{
+void CFileName::Set(const std::string& fullPath) {
     const std::size_t slash = fullPath.rfind('/');
     const std::size_t nameStart = slash == std::string::npos ? 0 : slash + 1;
     const std::string name = fullPath.substr(nameStart);
@@ -17,8 +15,7 @@ void CFileName::Set(const std::string& fullPath)
     m_extension = dot == std::string::npos ? std::string() : name.substr(dot);
 }
 
-std::string CFileName::FullPath() const
-{
+std::string CFileName::FullPath() const {
     std::string result = Text();
     if (!m_baseName.empty())
         result += '/';

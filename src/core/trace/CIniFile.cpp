@@ -5,13 +5,11 @@
 
 namespace {
 
-bool IsBlank(char c)
-{
+bool IsBlank(char c) {
     return c == ' ' || c == '\t';
 }
 
-std::string Trim(const std::string& text)
-{
+std::string Trim(const std::string& text) {
     std::size_t begin = 0;
     std::size_t end = text.size();
     while (begin < end && IsBlank(text[begin]))
@@ -21,21 +19,18 @@ std::string Trim(const std::string& text)
     return text.substr(begin, end - begin);
 }
 
-std::string TrimRight(const std::string& text)
-{
+std::string TrimRight(const std::string& text) {
     std::size_t end = text.size();
     while (end > 0 && IsBlank(text[end - 1]))
         --end;
     return text.substr(0, end);
 }
 
-char Lower(char c)
-{
+char Lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-bool EqualNoCase(const std::string& a, const std::string& b)
-{
+bool EqualNoCase(const std::string& a, const std::string& b) {
     if (a.size() != b.size())
         return false;
     for (std::size_t i = 0; i < a.size(); ++i) {
@@ -46,16 +41,13 @@ bool EqualNoCase(const std::string& a, const std::string& b)
 }
 
 // Quotes around a value are how ini files keep leading or trailing blanks; they are not data.
-std::string Unquote(const std::string& value)
-{
-    if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
-        value.back() == value.front())
+std::string Unquote(const std::string& value) {
+    if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.back() == value.front())
         return value.substr(1, value.size() - 2);
     return value;
 }
 
-std::string ReadWholeFile(const std::string& path)
-{
+std::string ReadWholeFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     if (!in)
         return {};
@@ -65,18 +57,14 @@ std::string ReadWholeFile(const std::string& path)
 } // namespace
 
 CIniFile::CIniFile(const std::string& fileName, const std::string& section)
-    : m_fileName(fileName), m_section(section)
-{
-}
+    : m_fileName(fileName), m_section(section) {}
 
-const std::string& CIniFile::GetString(const std::string& key, const std::string& defaultValue)
-{
+const std::string& CIniFile::GetString(const std::string& key, const std::string& defaultValue) {
     return GetString(key, defaultValue, m_section);
 }
 
 const std::string& CIniFile::GetString(const std::string& key, const std::string& defaultValue,
-                                       const std::string& section)
-{
+                                       const std::string& section) {
     if (!m_loaded)
         Load();
     const std::string* value = Find(key, section);
@@ -88,8 +76,7 @@ const std::string& CIniFile::GetString(const std::string& key, const std::string
     return m_result;
 }
 
-void CIniFile::Load()
-{
+void CIniFile::Load() {
     m_loaded = true;
     std::string text = ReadWholeFile(m_fileName.FullPath());
     if (text.compare(0, 3, "\xEF\xBB\xBF") == 0)
@@ -121,8 +108,7 @@ void CIniFile::Load()
     }
 }
 
-const std::string* CIniFile::Find(const std::string& key, const std::string& section) const
-{
+const std::string* CIniFile::Find(const std::string& key, const std::string& section) const {
     // The first definition wins, as with the platform's profile reader.
     for (const Entry& entry : m_entries) {
         if (EqualNoCase(entry.section, section) && EqualNoCase(entry.key, key))
@@ -131,7 +117,6 @@ const std::string* CIniFile::Find(const std::string& key, const std::string& sec
     return nullptr;
 }
 
-void CIniFile::Error()
-{
+void CIniFile::Error() {
     m_error = true;
 }

@@ -24,8 +24,7 @@ public:
 
     // The value of `key` in `section`, or `defaultValue` (less its trailing blanks)
     // when there is none. An over-long result gives "" and sets the error flag.
-    const std::string& GetString(const std::string& key, const std::string& defaultValue,
-                                 const std::string& section);
+    const std::string& GetString(const std::string& key, const std::string& defaultValue, const std::string& section);
     // The same in the current section.
     const std::string& GetString(const std::string& key, const std::string& defaultValue);
 

@@ -7,8 +7,7 @@
 
 namespace {
 
-std::string CurrentDirectory()
-{
+std::string CurrentDirectory() {
     std::vector<char> buffer(4096);
     while (getcwd(buffer.data(), buffer.size()) == nullptr) {
         if (errno != ERANGE)
@@ -20,26 +19,22 @@ std::string CurrentDirectory()
 
 } // namespace
 
-CPath::CPath()
-{
+CPath::CPath() {
     Set({}, {});
 }
 
-CPath::CPath(const std::string& drive, const std::string& directory)
-{
+CPath::CPath(const std::string& drive, const std::string& directory) {
     Set(drive, directory);
 }
 
-void CPath::Set(const std::string& drive, const std::string& directory)
-{
+void CPath::Set(const std::string& drive, const std::string& directory) {
     // Drive letters do not exist here; whatever was given stands for "the current drive".
     (void)drive;
     m_drive.clear();
     m_directory = NormaliseDirectory(directory.empty() ? CurrentDirectory() : directory);
 }
 
-std::string CPath::NormaliseDirectory(const std::string& directory)
-{
+std::string CPath::NormaliseDirectory(const std::string& directory) {
     std::string result = directory;
     if (!result.empty() && result.front() != '/' && result.front() != '.')
         result.insert(result.begin(), '/');

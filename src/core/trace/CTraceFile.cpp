@@ -203,10 +203,13 @@ void CTraceFile::ResetIndex() {
     m_seenFlexIdentifier = m_seenFlexChannel = m_seenFlexSlot = 0;
     m_seenClass0 = m_seenClass8 = m_seenClass4 = 0;
     m_channelTimes.Clear();
-    m_visibleOffsets.Clear();
     m_allOffsets.Clear();
+    // Every record is visible after the pass: the visible list is the full one until a
+    // filter pass writes its own.
+    m_visibleOffsets.ShareWith(m_allOffsets);
+    // Likewise each record's time step is its absolute time minus the one before it.
     m_absoluteTimes.Clear();
-    m_deltaTimesArray.Clear();
+    m_deltaTimesArray.ShareStepsOf(m_absoluteTimes);
     m_channelDeltas.Clear();
 }
 
@@ -386,7 +389,6 @@ bool CTraceFile::IndexRecords(std::uint64_t offset, zdt::ProgressSink* progress)
 }
 
 void CTraceFile::AbsorbBatch(const IndexBatch& batch) {
-    m_visibleOffsets.AppendRange(batch.offsets.data(), batch.offsets.size());
     m_allOffsets.AppendRange(batch.offsets.data(), batch.offsets.size());
     if (batch.lineClasses & (1u << 1))
         m_seenClass0 = 1;
@@ -412,41 +414,34 @@ void CTraceFile::TimePass(const IndexBatch& batch) {
     if (batch.facts & FactFlex)
         m_seenFlexIdentifier = m_seenFlexChannel = m_seenFlexSlot = 1;
 
+    // Straight into the chunks; the time steps follow from these (see ResetIndex).
     const std::size_t count = batch.times.size();
-    m_absoluteScratch.resize(count);
-    m_deltaScratch.resize(count);
     const std::uint32_t* times = batch.times.data();
-    std::uint32_t* absolute = m_absoluteScratch.data();
-    std::uint32_t* delta = m_deltaScratch.data();
+    const bool deltaTimes = m_deltaTimes != 0;
     std::uint32_t absoluteTime = m_absoluteTime;
-    std::uint32_t previousTime = m_previousTime;
-    if (!m_deltaTimes) {
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::uint32_t time = times[i];
-            std::uint32_t step = 0;
-            if (time != 0) {
-                absoluteTime = time;
-                step = time - previousTime;
-                previousTime = time;
-            }
-            absolute[i] = absoluteTime;
-            delta[i] = step;
+    m_absoluteTimes.AppendGenerated(count, [&](std::uint32_t* into, std::size_t first, std::uint32_t n) {
+        const std::uint32_t* from = times + first;
+        if (deltaTimes) {
+            for (std::uint32_t i = 0; i < n; ++i)
+                into[i] = absoluteTime += from[i];
+        } else {
+            for (std::uint32_t i = 0; i < n; ++i)
+                into[i] = absoluteTime = from[i] != 0 ? from[i] : absoluteTime;
         }
-    } else {
+    });
+    if (m_isOtherTrace) {
+        const std::int32_t* channels = batch.channels.data();
+        std::uint32_t running = m_absoluteTime;
         for (std::size_t i = 0; i < count; ++i) {
-            absoluteTime += times[i];
-            absolute[i] = absoluteTime;
-            delta[i] = times[i];
+            running = deltaTimes ? running + times[i] : (times[i] != 0 ? times[i] : running);
+            m_channelDeltas.Append(m_channelTimes.Exchange(channels[i], running));
         }
     }
     m_absoluteTime = absoluteTime;
-    m_previousTime = previousTime;
+    // The last time that was not 0, in files of absolute times.
+    if (!deltaTimes)
+        m_previousTime = absoluteTime;
     m_deltaTime = 0;
-    m_absoluteTimes.AppendRange(absolute, count);
-    m_deltaTimesArray.AppendRange(delta, count);
-    if (m_isOtherTrace)
-        for (std::size_t i = 0; i < count; ++i)
-            m_channelDeltas.Append(m_channelTimes.Exchange(batch.channels[i], absolute[i]));
 }
 
 bool CTraceFile::ReadRecordLine(zdt::FileOffset offset, char* line) {

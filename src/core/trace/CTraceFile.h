@@ -89,6 +89,8 @@ public:
     void SetVisibleCount(zdt::RowCount count) { m_visibleCount.store(count, std::memory_order_release); }
 
     // The index. The document's filter pass rewrites the visible offsets and the times.
+    // Until then the visible offsets show the full list and the time steps follow from the
+    // absolute times, without memory of their own (clearing either ends that).
     OffsetArray& VisibleOffsets() { return m_visibleOffsets; }
     const OffsetArray& AllOffsets() const { return m_allOffsets; }
     const OffsetArray& VisibleOffsets() const { return m_visibleOffsets; }
@@ -151,8 +153,6 @@ private:
     std::uint32_t m_absoluteTime = 0;
     std::uint32_t m_deltaTime = 0;
     ChannelTimes m_channelTimes;
-    std::vector<std::uint32_t> m_absoluteScratch;
-    std::vector<std::uint32_t> m_deltaScratch;
 
     OffsetArray m_visibleOffsets;
     OffsetArray m_allOffsets;

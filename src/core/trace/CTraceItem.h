@@ -65,9 +65,8 @@ public:
                                   const std::uint8_t* data) = 0;
     virtual void SetByteBlock(int reserved, std::uint32_t time, std::uint8_t direction, std::uint8_t length,
                               const std::uint8_t* data) = 0;
-    virtual void SetAddressedFrame(int reserved, std::uint32_t time, std::uint32_t source,
-                                   std::uint32_t destination, std::uint8_t direction, std::uint8_t length,
-                                   const std::uint8_t* data) = 0;
+    virtual void SetAddressedFrame(int reserved, std::uint32_t time, std::uint32_t source, std::uint32_t destination,
+                                   std::uint8_t direction, std::uint8_t length, const std::uint8_t* data) = 0;
     // Readers: ParseLine for format versions "2", "5", "501", "601"; ParseLineV701 for "701".
     // `line` is zero-terminated; neither reader looks beyond its terminator. Both return 0.
     virtual int ParseLine(const char* line, int reserved) = 0;

@@ -47,8 +47,10 @@ bool HasFrameData(std::uint8_t kind) {
     case KindPriorityFrame:
     case KindAddressedFrame:
     case KindByteBlock:
-    case KindFlexFrame: return true;
-    default: return false;
+    case KindFlexFrame:
+        return true;
+    default:
+        return false;
     }
 }
 
@@ -61,12 +63,18 @@ struct DataFields {
 
 DataFields FieldsOf(std::uint8_t kind) {
     switch (kind) {
-    case KindCanFrame: return {can::Direction, can::Length, can::Data};
-    case KindLineByte: return {linebyte::Direction, linebyte::Length, linebyte::Value};
-    case KindPriorityFrame: return {priority::Direction, priority::Length, priority::Data};
-    case KindAddressedFrame: return {addressed::Direction, addressed::Length, addressed::Data};
-    case KindByteBlock: return {block::Direction, block::Length, block::Data};
-    default: return {flex::FrameFlag, flex::Length, flex::Data};
+    case KindCanFrame:
+        return {can::Direction, can::Length, can::Data};
+    case KindLineByte:
+        return {linebyte::Direction, linebyte::Length, linebyte::Value};
+    case KindPriorityFrame:
+        return {priority::Direction, priority::Length, priority::Data};
+    case KindAddressedFrame:
+        return {addressed::Direction, addressed::Length, addressed::Data};
+    case KindByteBlock:
+        return {block::Direction, block::Length, block::Data};
+    default:
+        return {flex::FrameFlag, flex::Length, flex::Data};
     }
 }
 
@@ -81,13 +89,20 @@ CTraceItemI::CTraceItemI() = default;
 
 std::size_t CTraceItemI::DataCapacity(std::uint8_t kind) {
     switch (kind) {
-    case KindCanFrame: return PayloadSize - can::Data;
-    case KindLineByte: return 1;
-    case KindPriorityFrame: return PayloadSize - priority::Data;
-    case KindAddressedFrame: return addressed::Copied;
-    case KindByteBlock: return PayloadSize - block::Data;
-    case KindFlexFrame: return PayloadSize - flex::Data;
-    default: return 0;
+    case KindCanFrame:
+        return PayloadSize - can::Data;
+    case KindLineByte:
+        return 1;
+    case KindPriorityFrame:
+        return PayloadSize - priority::Data;
+    case KindAddressedFrame:
+        return addressed::Copied;
+    case KindByteBlock:
+        return PayloadSize - block::Data;
+    case KindFlexFrame:
+        return PayloadSize - flex::Data;
+    default:
+        return 0;
     }
 }
 
@@ -184,9 +199,12 @@ bool CTraceItemI::HasTime() const {
     switch (m_kind) {
     case KindEvent:
     case KindBaudrate:
-    case KindBaudrateFormat: return m_timeValid != 0;
-    case KindPcTime: return false;
-    default: return true;
+    case KindBaudrateFormat:
+        return m_timeValid != 0;
+    case KindPcTime:
+        return false;
+    default:
+        return true;
     }
 }
 

@@ -68,6 +68,10 @@ bool ChunkedArray::StartNewChunk() {
 }
 
 bool ChunkedArray::AppendToNewChunk(std::uint32_t value) {
+    if (m_stepsOf.load(std::memory_order_relaxed) != nullptr) {
+        Unshare();
+        return Append(value);
+    }
     if (!StartNewChunk())
         return false;
     m_currentChunk[m_nextFree++] = value;
@@ -76,21 +80,32 @@ bool ChunkedArray::AppendToNewChunk(std::uint32_t value) {
 }
 
 bool ChunkedArray::AppendRange(const std::uint32_t* values, std::size_t count) {
-    while (count > 0) {
-        if (m_nextFree == ChunkEntries && !StartNewChunk())
-            return false;
-        const std::size_t part = std::min<std::size_t>(count, ChunkEntries - m_nextFree);
-        std::memcpy(m_currentChunk + m_nextFree, values, part * sizeof(std::uint32_t));
-        m_nextFree += static_cast<std::uint32_t>(part);
-        m_total.store(m_total.load(std::memory_order_relaxed) + static_cast<std::uint32_t>(part),
-                      std::memory_order_relaxed);
-        values += part;
-        count -= part;
-    }
-    return true;
+    return AppendGenerated(count, [values](std::uint32_t* into, std::size_t first, std::uint32_t n) {
+        std::memcpy(into, values + first, n * sizeof(std::uint32_t));
+    });
+}
+
+void ChunkedArray::ShareStepsOf(const ChunkedArray& other) {
+    Clear();
+    m_stepsOf.store(&other, std::memory_order_release);
+}
+
+void ChunkedArray::Unshare() {
+    const ChunkedArray* of = m_stepsOf.load(std::memory_order_relaxed);
+    Clear();
+    const std::uint32_t count = of->Size();
+    std::uint32_t previous = 0;
+    AppendGenerated(count, [&](std::uint32_t* into, std::size_t first, std::uint32_t n) {
+        for (std::uint32_t i = 0; i < n; ++i) {
+            const std::uint32_t value = of->Get(static_cast<std::uint32_t>(first + i));
+            into[i] = value - previous;
+            previous = value;
+        }
+    });
 }
 
 void ChunkedArray::Clear() {
+    m_stepsOf.store(nullptr, std::memory_order_release);
     std::uint32_t** table = m_table.load(std::memory_order_relaxed);
     for (std::uint32_t i = 0; i < std::min(m_chunkCount, m_mallocChunks); ++i)
         std::free(table[i]);
@@ -147,28 +162,36 @@ bool OffsetArray::AppendWithNewHigh(std::uint64_t offset) {
 }
 
 bool OffsetArray::AppendRange(const std::uint64_t* offsets, std::size_t count) {
+    if (m_shared.load(std::memory_order_relaxed) != nullptr)
+        Unshare();
     while (count > 0) {
-        // The run that shares the current high word goes in as low words at once.
-        std::size_t run = 0;
-        m_lowScratch.resize(std::min<std::size_t>(count, ChunkedArray::ChunkEntries));
-        while (run < m_lowScratch.size() && static_cast<std::uint32_t>(offsets[run] >> 32) == m_currentHigh) {
-            m_lowScratch[run] = static_cast<std::uint32_t>(offsets[run]);
-            ++run;
-        }
-        if (run > 0 && !m_low.AppendRange(m_lowScratch.data(), run))
+        // The offsets rise, so those that share the current high word come first, and they
+        // go in as low words at once.
+        const std::uint64_t* const runEnd = std::partition_point(
+            offsets, offsets + count, [this](std::uint64_t offset) { return (offset >> 32) == m_currentHigh; });
+        const auto run = static_cast<std::size_t>(runEnd - offsets);
+        const bool appended =
+            m_low.AppendGenerated(run, [offsets](std::uint32_t* into, std::size_t first, std::uint32_t n) {
+                for (std::uint32_t i = 0; i < n; ++i)
+                    into[i] = static_cast<std::uint32_t>(offsets[first + i]);
+            });
+        if (!appended)
             return false;
-        if (run < m_lowScratch.size() && run < count) {
-            if (!AppendWithNewHigh(offsets[run]))
-                return false;
-            ++run;
-        }
         offsets += run;
         count -= run;
+        if (count > 0) {
+            if (!AppendWithNewHigh(*offsets))
+                return false;
+            ++offsets;
+            --count;
+        }
     }
     return true;
 }
 
 std::uint64_t OffsetArray::Get(std::uint32_t index) const {
+    if (const OffsetArray* shared = m_shared.load(std::memory_order_acquire))
+        return shared->Get(index);
     // The last step at or before the index gives the high word; steps are few.
     std::uint32_t high = 0;
     std::uint32_t lo = 0, hi = m_stepCount.load(std::memory_order_acquire);
@@ -185,7 +208,21 @@ std::uint64_t OffsetArray::Get(std::uint32_t index) const {
     return (std::uint64_t(high) << 32) | m_low.Get(index);
 }
 
+void OffsetArray::ShareWith(const OffsetArray& other) {
+    Clear();
+    m_shared.store(&other, std::memory_order_release);
+}
+
+void OffsetArray::Unshare() {
+    const OffsetArray* shared = m_shared.load(std::memory_order_relaxed);
+    Clear();
+    const std::uint32_t count = shared->Size();
+    for (std::uint32_t i = 0; i < count; ++i)
+        Append(shared->Get(i));
+}
+
 void OffsetArray::Clear() {
+    m_shared.store(nullptr, std::memory_order_release);
     m_low.Clear();
     std::free(m_steps.load(std::memory_order_relaxed));
     for (HighStep* retired : m_retiredSteps)

@@ -1,11 +1,14 @@
 #include "trace/IndexTimeReader.h"
 
+#include "trace/IndexLineKinds.h"
 #include "trace/NibbleTables.h"
 
 #include <climits>
 #include <cstring>
 
 namespace {
+
+using namespace indexline;
 
 bool IsSpace(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
@@ -19,66 +22,6 @@ int HexDigit(char c) {
     if (c >= 'A' && c <= 'F')
         return c - 'A' + 10;
     return -1;
-}
-
-// Types whose time the legacy reader takes from the hexadecimal field behind the code.
-bool IsHexTimeType(std::uint16_t type) {
-    switch (type) {
-    case 0x0000:
-    case 0x0003:
-    case 0x0004:
-    case 0x0005:
-    case 0x0006:
-    case 0x0008:
-    case 0x000A:
-    case 0x000F:
-    case 0x0020:
-    case 0x0021:
-    case 0x0022:
-    case 0x0030:
-    case 0x0031:
-    case 0x0032:
-    case 0x0033:
-    case 0x0034:
-    case 0x0035:
-    case 0x0036:
-    case 0x0037:
-    case 0x0080:
-    case 0x00FE:
-    case 0x8000:
-    case 0x8001:
-    case 0x8002:
-    case 0x8003:
-    case 0x8004:
-    case 0x8005:
-    case 0x800E:
-    case 0x800F:
-    case 0x8012:
-    case 0x8013:
-    case 0x801E:
-    case 0x801F:
-    case 0x8020:
-    case 0x8021:
-    case 0x8022:
-    case 0x8023:
-    case 0x8024:
-    case 0x8025:
-    case 0x8026:
-        return true;
-    default:
-        return false;
-    }
-}
-
-// Types whose channel and time are the first and third blank-separated tokens.
-bool IsTokenTimeType(std::uint16_t type) {
-    return type == 0x5000 || type == 0x5800 || type == 0x6000 || type == 0x6800 || type == 0x440C ||
-           (type >= 0x4400 && type <= 0x4407);
-}
-
-bool SetsIdentifierOnly(std::uint16_t type) {
-    return type == 0x0020 || type == 0x0021 || type == 0x0022 || type == 0x8012 || type == 0x8013 || type == 0x8025 ||
-           type == 0x8026;
 }
 
 // Decimal digits only, at most 18 of them: what atol gives without overflow care.
@@ -121,13 +64,20 @@ bool NoBlankIn8(const char* p) {
     return ((x - 0x0101010101010101ull) & ~x & 0x8080808080808080ull) == 0;
 }
 
-// The usual layout "CC IIIIIIII TTTTTTTTTT ..." read without a general tokenizer;
-// false when the line is laid out otherwise.
+// The usual layouts "CC IIIIIIII TTTTTTTTTT ..." (a CAN frame) and "CC D TTTTTTTTTT" (a
+// K-line byte) read without a general tokenizer; false when the line is laid out otherwise.
 bool ReadUsualTokens(const char* text, const char* end, IndexLineFacts& facts) {
-    if (end - text < 13 || text[0] == ' ' || text[1] == ' ' || text[2] != ' ' || !NoBlankIn8(text + 3) ||
-        text[11] != ' ' || text[12] == ' ')
+    if (end - text < 6 || text[0] == ' ' || text[1] == ' ' || text[2] != ' ' || text[3] == ' ')
         return false;
-    const char* time = text + 12;
+    const char* time;
+    if (text[4] == ' ')
+        time = text + 5;
+    else if (end - text >= 13 && NoBlankIn8(text + 3) && text[11] == ' ')
+        time = text + 12;
+    else
+        return false;
+    if (time == end || *time == ' ')
+        return false;
     facts.channelNumber = ParseChannelToken(text, 2);
     // Ten digits, as the writers print the time, read eight at a time.
     std::uint64_t high = 0;
@@ -172,6 +122,12 @@ void ReadTokens(const char* text, const char* end, IndexLineFacts& facts) {
 }
 
 } // namespace
+
+IndexLineFacts ReadTokenFields(const char* text, const char* end) {
+    IndexLineFacts facts;
+    ReadTokens(text, end, facts);
+    return facts;
+}
 
 std::uint16_t IndexLineType(const char* line, std::size_t length) {
     auto at = [&](std::size_t i) -> unsigned char { return i < length ? static_cast<unsigned char>(line[i]) : 0; };

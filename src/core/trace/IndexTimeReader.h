@@ -17,6 +17,9 @@ struct IndexLineFacts {
 // `line` is zero-terminated at `length`. `facts` must come in default-constructed.
 void ReadIndexLineFacts(const char* line, std::size_t length, IndexLineFacts& facts);
 
+// The channel (token 1) and time (token 3) of blank-separated tokens from `text` to `end`.
+IndexLineFacts ReadTokenFields(const char* text, const char* end);
+
 // The 16-bit type of a line, rebuilt from its first four characters by the nibble tables.
 std::uint16_t IndexLineType(const char* line, std::size_t length);
 

@@ -39,11 +39,17 @@ inline constexpr std::array<std::uint8_t, 256> HighTable = MakeTable(true);
 } // namespace detail
 
 // Value of one character as a nibble (0..15), 0 for a blank, 0xFF otherwise.
-inline std::uint8_t Value(unsigned char c) { return detail::ValueTable[c]; }
+inline std::uint8_t Value(unsigned char c) {
+    return detail::ValueTable[c];
+}
 // The high-nibble table: the value shifted up, 0 for a blank, 0xFF otherwise.
-inline std::uint8_t High(unsigned char c) { return detail::HighTable[c]; }
+inline std::uint8_t High(unsigned char c) {
+    return detail::HighTable[c];
+}
 // The low-nibble table: the value, 0 for a blank, 0xFF otherwise.
-inline std::uint8_t Low(unsigned char c) { return detail::ValueTable[c]; }
+inline std::uint8_t Low(unsigned char c) {
+    return detail::ValueTable[c];
+}
 // One byte from two characters: High + Low, truncated to a byte.
 inline std::uint8_t Byte(unsigned char hi, unsigned char lo) {
     return static_cast<std::uint8_t>(High(hi) + Low(lo));

@@ -195,28 +195,72 @@ int CTraceItemI::ParseLine(const char* line, int reserved) {
     CTraceItemI& item = *this;
     const std::uint16_t type = m_typeCode;
     switch (type) {
-    case 0x0000: time = TimeOnlyEvent(item, fields, reserved, 0x00020001, 1); break;
-    case 0x0003: time = LineByte(item, fields, reserved, 0, false); break;
-    case 0x0004: time = LineByte(item, fields, reserved, 1, false); break;
-    case 0x0005: time = TimeOnlyEvent(item, fields, reserved, 0x40020002, 1); break;
-    case 0x0006: time = TimeOnlyEvent(item, fields, reserved, 0x40020003, 2); break;
-    case 0x0008: time = LineByte(item, fields, reserved, 1, true); break;
-    case 0x000A: time = LineByte(item, fields, reserved, 0, true); break;
-    case 0x000F: time = TimeOnlyEvent(item, fields, reserved, 0x20020009, 1); break;
-    case 0x0020: time = LegacyCanFrame(item, fields, reserved, 1, true); break;
-    case 0x0021: time = LegacyCanFrame(item, fields, reserved, 0, true); break;
-    case 0x0022: time = CanState(item, fields); break;
-    case 0x0030: time = BaudrateFormat(item, fields, true); break;
-    case 0x0031: time = BusLevel(item, fields, reserved, 0x40020006, 0x40020015); break;
-    case 0x0032: time = BusLevel(item, fields, reserved, 0x40020007, 0x40020016); break;
-    case 0x0033: time = TimeOnlyEvent(item, fields, reserved, 0x40020008, 2); break;
-    case 0x0034: time = PriorityFrame(item, fields, reserved, 1); break;
-    case 0x0035: time = PriorityFrame(item, fields, reserved, 0); break;
-    case 0x0036: time = PriorityFrame(item, fields, reserved, 1); break;
-    case 0x0037: time = ByteBlockOfNine(item, fields, reserved); break;
-    case 0x0080: time = TimeOnlyEvent(item, fields, reserved, 0x2002000A, 1); break;
-    case 0x00FE: time = TimeOnlyEvent(item, fields, reserved, 0x2002000B, 1); break;
-    case 0x00FF: time = TimeOnlyEvent(item, fields, reserved, 0x4002000C, 0); break;
+    case 0x0000:
+        time = TimeOnlyEvent(item, fields, reserved, 0x00020001, 1);
+        break;
+    case 0x0003:
+        time = LineByte(item, fields, reserved, 0, false);
+        break;
+    case 0x0004:
+        time = LineByte(item, fields, reserved, 1, false);
+        break;
+    case 0x0005:
+        time = TimeOnlyEvent(item, fields, reserved, 0x40020002, 1);
+        break;
+    case 0x0006:
+        time = TimeOnlyEvent(item, fields, reserved, 0x40020003, 2);
+        break;
+    case 0x0008:
+        time = LineByte(item, fields, reserved, 1, true);
+        break;
+    case 0x000A:
+        time = LineByte(item, fields, reserved, 0, true);
+        break;
+    case 0x000F:
+        time = TimeOnlyEvent(item, fields, reserved, 0x20020009, 1);
+        break;
+    case 0x0020:
+        time = LegacyCanFrame(item, fields, reserved, 1, true);
+        break;
+    case 0x0021:
+        time = LegacyCanFrame(item, fields, reserved, 0, true);
+        break;
+    case 0x0022:
+        time = CanState(item, fields);
+        break;
+    case 0x0030:
+        time = BaudrateFormat(item, fields, true);
+        break;
+    case 0x0031:
+        time = BusLevel(item, fields, reserved, 0x40020006, 0x40020015);
+        break;
+    case 0x0032:
+        time = BusLevel(item, fields, reserved, 0x40020007, 0x40020016);
+        break;
+    case 0x0033:
+        time = TimeOnlyEvent(item, fields, reserved, 0x40020008, 2);
+        break;
+    case 0x0034:
+        time = PriorityFrame(item, fields, reserved, 1);
+        break;
+    case 0x0035:
+        time = PriorityFrame(item, fields, reserved, 0);
+        break;
+    case 0x0036:
+        time = PriorityFrame(item, fields, reserved, 1);
+        break;
+    case 0x0037:
+        time = ByteBlockOfNine(item, fields, reserved);
+        break;
+    case 0x0080:
+        time = TimeOnlyEvent(item, fields, reserved, 0x2002000A, 1);
+        break;
+    case 0x00FE:
+        time = TimeOnlyEvent(item, fields, reserved, 0x2002000B, 1);
+        break;
+    case 0x00FF:
+        time = TimeOnlyEvent(item, fields, reserved, 0x4002000C, 0);
+        break;
     case 0x4400:
     case 0x4401:
     case 0x4402:
@@ -226,40 +270,92 @@ int CTraceItemI::ParseLine(const char* line, int reserved) {
     case 0x4406:
     case 0x4407:
     case 0x4408:
-    case 0x4409: time = ChannelEvent(item, fields, reserved, type); break;
+    case 0x4409:
+        time = ChannelEvent(item, fields, reserved, type);
+        break;
     case 0x5000:
-    case 0x6000: time = ChannelCanFrame(item, fields, reserved, 0, 1); break;
+    case 0x6000:
+        time = ChannelCanFrame(item, fields, reserved, 0, 1);
+        break;
     case 0x5800:
-    case 0x6800: time = ChannelCanFrame(item, fields, reserved, 1, 0); break;
-    case 0x8000: time = TimeOnlyEvent(item, fields, reserved, 0x40030001, 0); break;
-    case 0x8001: time = TimeOnlyEvent(item, fields, reserved, 0x40030002, 0); break;
-    case 0x8002: time = LineByte(item, fields, reserved, 0, false); break;
-    case 0x8003: time = LineByte(item, fields, reserved, 1, false); break;
-    case 0x8004: time = TimeOnlyEvent(item, fields, reserved, 0x00030003, 1); break;
-    case 0x8005: time = TimeOnlyEvent(item, fields, reserved, 0x00030004, 1); break;
-    case 0x800E: time = TimeOnlyEvent(item, fields, reserved, 0x20030005, 1); break;
-    case 0x800F: time = TimeOnlyEvent(item, fields, reserved, 0x20030006, 1); break;
-    case 0x8012: time = LegacyCanFrame(item, fields, reserved, 0, false); break;
-    case 0x8013: time = LegacyCanFrame(item, fields, reserved, 1, false); break;
-    case 0x801E: time = TimeOnlyEvent(item, fields, reserved, 0x20030007, 1); break;
-    case 0x801F: time = TimeOnlyEvent(item, fields, reserved, 0x20030008, 1); break;
-    case 0x8020: time = TimeOnlyEvent(item, fields, reserved, 0x20030009, 1); break;
-    case 0x8021: time = TimeOnlyEvent(item, fields, reserved, 0x0003000A, 1); break;
-    case 0x8022: time = BaudrateFormat(item, fields, false); break;
-    case 0x8023: time = ByteBlockOfEight(item, fields, reserved, 0); break;
-    case 0x8024: time = ByteBlockOfEight(item, fields, reserved, 1); break;
-    case 0x8025: time = TimeOnlyEvent(item, fields, reserved, 0x2003000D, 0); break;
-    case 0x8026: time = TimeOnlyEvent(item, fields, reserved, 0x2003000E, 0); break;
+    case 0x6800:
+        time = ChannelCanFrame(item, fields, reserved, 1, 0);
+        break;
+    case 0x8000:
+        time = TimeOnlyEvent(item, fields, reserved, 0x40030001, 0);
+        break;
+    case 0x8001:
+        time = TimeOnlyEvent(item, fields, reserved, 0x40030002, 0);
+        break;
+    case 0x8002:
+        time = LineByte(item, fields, reserved, 0, false);
+        break;
+    case 0x8003:
+        time = LineByte(item, fields, reserved, 1, false);
+        break;
+    case 0x8004:
+        time = TimeOnlyEvent(item, fields, reserved, 0x00030003, 1);
+        break;
+    case 0x8005:
+        time = TimeOnlyEvent(item, fields, reserved, 0x00030004, 1);
+        break;
+    case 0x800E:
+        time = TimeOnlyEvent(item, fields, reserved, 0x20030005, 1);
+        break;
+    case 0x800F:
+        time = TimeOnlyEvent(item, fields, reserved, 0x20030006, 1);
+        break;
+    case 0x8012:
+        time = LegacyCanFrame(item, fields, reserved, 0, false);
+        break;
+    case 0x8013:
+        time = LegacyCanFrame(item, fields, reserved, 1, false);
+        break;
+    case 0x801E:
+        time = TimeOnlyEvent(item, fields, reserved, 0x20030007, 1);
+        break;
+    case 0x801F:
+        time = TimeOnlyEvent(item, fields, reserved, 0x20030008, 1);
+        break;
+    case 0x8020:
+        time = TimeOnlyEvent(item, fields, reserved, 0x20030009, 1);
+        break;
+    case 0x8021:
+        time = TimeOnlyEvent(item, fields, reserved, 0x0003000A, 1);
+        break;
+    case 0x8022:
+        time = BaudrateFormat(item, fields, false);
+        break;
+    case 0x8023:
+        time = ByteBlockOfEight(item, fields, reserved, 0);
+        break;
+    case 0x8024:
+        time = ByteBlockOfEight(item, fields, reserved, 1);
+        break;
+    case 0x8025:
+        time = TimeOnlyEvent(item, fields, reserved, 0x2003000D, 0);
+        break;
+    case 0x8026:
+        time = TimeOnlyEvent(item, fields, reserved, 0x2003000E, 0);
+        break;
     case 0xFF00:
     case 0xFF01:
     case 0xFF02:
     case 0xFF03:
     case 0xFF04:
     case 0xFF05:
-    case 0xFF06: MarkEvent(item, reserved, type); break;
-    case 0xFF07: PcTimeStamp(item, fields); break;
-    case 0xFF08: FilterMark(item, fields); break;
-    default: SetEvent(0x20040010, 0, reserved, 0, 1); break;
+    case 0xFF06:
+        MarkEvent(item, reserved, type);
+        break;
+    case 0xFF07:
+        PcTimeStamp(item, fields);
+        break;
+    case 0xFF08:
+        FilterMark(item, fields);
+        break;
+    default:
+        SetEvent(0x20040010, 0, reserved, 0, 1);
+        break;
     }
     SetTime(time);
     return 0;

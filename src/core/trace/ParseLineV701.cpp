@@ -209,37 +209,99 @@ int CTraceItemI::ParseLineV701(const char* line, int reserved) {
     const char* fields = text.At(FieldColumn);
     CTraceItemI& item = *this;
     switch (m_typeCode) {
-    case 0x0000: DashFormEvent(item, fields, reserved, 0x00020001, 1); break;
-    case 0x0003: LineByte(item, fields, reserved, 0); break;
-    case 0x0004: LineByte(item, fields, reserved, 1); break;
-    case 0x0005: ColumnTimeEvent(item, text, reserved, 0x40020002, 1, true); break;
-    case 0x0006: ColumnTimeEvent(item, text, reserved, 0x40020003, 2, true); break;
-    case 0x0008: ColumnTimeEvent(item, text, reserved, 0x00020004, 5, false); break;
-    case 0x000A: ColumnTimeEvent(item, text, reserved, 0x00020005, 3, false); break;
-    case 0x000B: ColumnTimeEvent(item, text, reserved, 0x20020017, 2, true); break;
-    case 0x000C: ColumnTimeEvent(item, text, reserved, 0x20020018, 2, true); break;
-    case 0x000D: ColumnTimeEvent(item, text, reserved, 0x20020019, 2, true); break;
-    case 0x000E: ColumnTimeEvent(item, text, reserved, 0x2002001A, 2, true); break;
-    case 0x000F: SetEventUntimed(0x20020009, 2); break;
-    case 0x0030: BaudrateFormat(item, fields); break;
-    case 0x0031: ColumnTimeEvent(item, text, reserved, 0x40020015, 2, true); break;
-    case 0x0032: ColumnTimeEvent(item, text, reserved, 0x40020016, 2, true); break;
-    case 0x0033: ColumnTimeEvent(item, text, reserved, 0x40020008, 2, true); break;
-    case 0x0034: PriorityFrame(item, fields, reserved, 1); break;
-    case 0x0035: PriorityFrame(item, fields, reserved, 0); break;
-    case 0x8013: PriorityFrame(item, fields, reserved, 1); break;
-    case 0x0038: ReadFlexFrame(text, false, 0); break;
-    case 0x0039: ReadFlexFrame(text, false, 1); break;
-    case 0x0040: ColumnTimeEvent(item, text, reserved, 0x40020006, 2, true); break;
-    case 0x0041: ColumnTimeEvent(item, text, reserved, 0x40020007, 2, true); break;
-    case 0x0050: AddressedFrame(item, fields, reserved, 0); break;
-    case 0x0051: AddressedFrame(item, fields, reserved, 1); break;
-    case 0x0080: SetEventUntimed(0x2002000A, 1); break;
-    case 0x0090: ReadFlexFrame(text, true, 0); break;
-    case 0x0091: ReadFlexFrame(text, true, 1); break;
-    case 0x00FC: SetEventUntimed(0x20020015, 1); break;
-    case 0x00FD: SetEventUntimed(0x20020016, 1); break;
-    case 0x00FE: SetEventUntimed(0x2002000B, 1); break;
+    case 0x0000:
+        DashFormEvent(item, fields, reserved, 0x00020001, 1);
+        break;
+    case 0x0003:
+        LineByte(item, fields, reserved, 0);
+        break;
+    case 0x0004:
+        LineByte(item, fields, reserved, 1);
+        break;
+    case 0x0005:
+        ColumnTimeEvent(item, text, reserved, 0x40020002, 1, true);
+        break;
+    case 0x0006:
+        ColumnTimeEvent(item, text, reserved, 0x40020003, 2, true);
+        break;
+    case 0x0008:
+        ColumnTimeEvent(item, text, reserved, 0x00020004, 5, false);
+        break;
+    case 0x000A:
+        ColumnTimeEvent(item, text, reserved, 0x00020005, 3, false);
+        break;
+    case 0x000B:
+        ColumnTimeEvent(item, text, reserved, 0x20020017, 2, true);
+        break;
+    case 0x000C:
+        ColumnTimeEvent(item, text, reserved, 0x20020018, 2, true);
+        break;
+    case 0x000D:
+        ColumnTimeEvent(item, text, reserved, 0x20020019, 2, true);
+        break;
+    case 0x000E:
+        ColumnTimeEvent(item, text, reserved, 0x2002001A, 2, true);
+        break;
+    case 0x000F:
+        SetEventUntimed(0x20020009, 2);
+        break;
+    case 0x0030:
+        BaudrateFormat(item, fields);
+        break;
+    case 0x0031:
+        ColumnTimeEvent(item, text, reserved, 0x40020015, 2, true);
+        break;
+    case 0x0032:
+        ColumnTimeEvent(item, text, reserved, 0x40020016, 2, true);
+        break;
+    case 0x0033:
+        ColumnTimeEvent(item, text, reserved, 0x40020008, 2, true);
+        break;
+    case 0x0034:
+        PriorityFrame(item, fields, reserved, 1);
+        break;
+    case 0x0035:
+        PriorityFrame(item, fields, reserved, 0);
+        break;
+    case 0x8013:
+        PriorityFrame(item, fields, reserved, 1);
+        break;
+    case 0x0038:
+        ReadFlexFrame(text, false, 0);
+        break;
+    case 0x0039:
+        ReadFlexFrame(text, false, 1);
+        break;
+    case 0x0040:
+        ColumnTimeEvent(item, text, reserved, 0x40020006, 2, true);
+        break;
+    case 0x0041:
+        ColumnTimeEvent(item, text, reserved, 0x40020007, 2, true);
+        break;
+    case 0x0050:
+        AddressedFrame(item, fields, reserved, 0);
+        break;
+    case 0x0051:
+        AddressedFrame(item, fields, reserved, 1);
+        break;
+    case 0x0080:
+        SetEventUntimed(0x2002000A, 1);
+        break;
+    case 0x0090:
+        ReadFlexFrame(text, true, 0);
+        break;
+    case 0x0091:
+        ReadFlexFrame(text, true, 1);
+        break;
+    case 0x00FC:
+        SetEventUntimed(0x20020015, 1);
+        break;
+    case 0x00FD:
+        SetEventUntimed(0x20020016, 1);
+        break;
+    case 0x00FE:
+        SetEventUntimed(0x2002000B, 1);
+        break;
     case 0x00FF:
         // A bare "00FF" carries nothing to read a time from.
         if (text.length > 4)
@@ -248,43 +310,105 @@ int CTraceItemI::ParseLineV701(const char* line, int reserved) {
             SetEventUntimed(0x4002000C, 2);
         break;
     case 0x0400:
-    case 0x4400: DashFormEvent(item, fields, reserved, 0x2001000F, 1); break;
-    case 0x400A: Baudrate(item, fields, reserved); break;
-    case 0x4401: DashFormEvent(item, fields, reserved, 0xC0010008, 1); break;
-    case 0x4402: DashFormEvent(item, fields, reserved, 0x2001000A, 1); break;
-    case 0x4403: DashFormEvent(item, fields, reserved, 0x80010005, 1); break;
-    case 0x4404: DashFormEvent(item, fields, reserved, 0x80010006, 1); break;
-    case 0x4405: DashFormEvent(item, fields, reserved, 0x80010007, 1); break;
-    case 0x4406: DashFormEvent(item, fields, reserved, 0x2001000B, 1); break;
-    case 0x4407: DashFormEvent(item, fields, reserved, 0x2001000C, 1); break;
-    case 0x4408: DashFormEvent(item, fields, reserved, 0x2001000D, 1); break;
-    case 0x4409: DashFormEvent(item, fields, reserved, 0x2001000E, 1); break;
-    case 0x440B: ScannedTimeEvent(item, text, reserved, 0x20010011, false); break;
-    case 0x440C: SetEventUntimed(0x20010012, 1); break;
-    case 0x440D: ScannedTimeEvent(item, text, reserved, 0x20010013, true); break;
-    case 0x5000: CanFrame(item, fields, reserved, 0, 1); break;
-    case 0x5800: CanFrame(item, fields, reserved, 1, 1); break;
-    case 0x6000: CanFrame(item, fields, reserved, 0, 0); break;
-    case 0x6800: CanFrame(item, fields, reserved, 1, 0); break;
-    case 0x5701: DashFormEvent(item, fields, reserved, 0x80010015, 1); break;
-    case 0x5702: DashFormEvent(item, fields, reserved, 0x80010016, 2); break;
-    case 0x5703: DashFormEvent(item, fields, reserved, 0x80010017, 1); break;
-    case 0x5704: DashFormEvent(item, fields, reserved, 0x80010018, 1); break;
-    case 0x5705: DashFormEvent(item, fields, reserved, 0x80010019, 1); break;
-    case 0x8004: SetEventUntimed(0x00030003, 1); break;
-    case 0x8005: SetEventUntimed(0x00030004, 1); break;
-    case 0x800E: SetEventUntimed(0x20030006, 1); break;
-    case 0x8020: SetEventUntimed(0x20030009, 0); break;
-    case 0x8021: SetEventUntimed(0x0003000A, 0); break;
+    case 0x4400:
+        DashFormEvent(item, fields, reserved, 0x2001000F, 1);
+        break;
+    case 0x400A:
+        Baudrate(item, fields, reserved);
+        break;
+    case 0x4401:
+        DashFormEvent(item, fields, reserved, 0xC0010008, 1);
+        break;
+    case 0x4402:
+        DashFormEvent(item, fields, reserved, 0x2001000A, 1);
+        break;
+    case 0x4403:
+        DashFormEvent(item, fields, reserved, 0x80010005, 1);
+        break;
+    case 0x4404:
+        DashFormEvent(item, fields, reserved, 0x80010006, 1);
+        break;
+    case 0x4405:
+        DashFormEvent(item, fields, reserved, 0x80010007, 1);
+        break;
+    case 0x4406:
+        DashFormEvent(item, fields, reserved, 0x2001000B, 1);
+        break;
+    case 0x4407:
+        DashFormEvent(item, fields, reserved, 0x2001000C, 1);
+        break;
+    case 0x4408:
+        DashFormEvent(item, fields, reserved, 0x2001000D, 1);
+        break;
+    case 0x4409:
+        DashFormEvent(item, fields, reserved, 0x2001000E, 1);
+        break;
+    case 0x440B:
+        ScannedTimeEvent(item, text, reserved, 0x20010011, false);
+        break;
+    case 0x440C:
+        SetEventUntimed(0x20010012, 1);
+        break;
+    case 0x440D:
+        ScannedTimeEvent(item, text, reserved, 0x20010013, true);
+        break;
+    case 0x5000:
+        CanFrame(item, fields, reserved, 0, 1);
+        break;
+    case 0x5800:
+        CanFrame(item, fields, reserved, 1, 1);
+        break;
+    case 0x6000:
+        CanFrame(item, fields, reserved, 0, 0);
+        break;
+    case 0x6800:
+        CanFrame(item, fields, reserved, 1, 0);
+        break;
+    case 0x5701:
+        DashFormEvent(item, fields, reserved, 0x80010015, 1);
+        break;
+    case 0x5702:
+        DashFormEvent(item, fields, reserved, 0x80010016, 2);
+        break;
+    case 0x5703:
+        DashFormEvent(item, fields, reserved, 0x80010017, 1);
+        break;
+    case 0x5704:
+        DashFormEvent(item, fields, reserved, 0x80010018, 1);
+        break;
+    case 0x5705:
+        DashFormEvent(item, fields, reserved, 0x80010019, 1);
+        break;
+    case 0x8004:
+        SetEventUntimed(0x00030003, 1);
+        break;
+    case 0x8005:
+        SetEventUntimed(0x00030004, 1);
+        break;
+    case 0x800E:
+        SetEventUntimed(0x20030006, 1);
+        break;
+    case 0x8020:
+        SetEventUntimed(0x20030009, 0);
+        break;
+    case 0x8021:
+        SetEventUntimed(0x0003000A, 0);
+        break;
     case 0xFF01:
     case 0xFF02:
     case 0xFF03:
     case 0xFF04:
     case 0xFF05:
     case 0xFF06:
-    case 0xFF07: PcTimeStamp(item, fields, false); break;
-    case 0xFF08: PcTimeStamp(item, fields, true); break;
-    default: SetEvent(0x20040010, 0, reserved, 0, 1); break;
+    case 0xFF07:
+        PcTimeStamp(item, fields, false);
+        break;
+    case 0xFF08:
+        PcTimeStamp(item, fields, true);
+        break;
+    default:
+        SetEvent(0x20040010, 0, reserved, 0, 1);
+        break;
     }
     return 0;
 }

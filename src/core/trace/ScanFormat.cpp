@@ -48,8 +48,7 @@ struct Integer {
 
 // Consumes an integer field exactly as the library's scanner does: the width (-1 for none)
 // counts the sign and a 0x prefix, and "0x" is taken as a prefix even when no digit follows.
-template <unsigned Base>
-inline Field ReadInteger(Cursor& in, int width, Integer& n) {
+template <unsigned Base> inline Field ReadInteger(Cursor& in, int width, Integer& n) {
     if (*in == '\0')
         return Field::NoInput;
     if (*in == '-' || *in == '+') {
@@ -262,7 +261,8 @@ inline int Scan(const char* input, const char* format, va_list& args) {
                 return done;
             ++in;
             break;
-        default: return done;
+        default:
+            return done;
         }
     }
     return done;

@@ -67,8 +67,7 @@ inline std::uint8_t NarrowLength(std::uint32_t length) {
 }
 
 // Bytes scanned with %02x into unsigned ints, stored as the bytes a record keeps.
-template <std::size_t N, std::size_t M>
-void NarrowBytes(const unsigned (&values)[N], std::uint8_t (&bytes)[M]) {
+template <std::size_t N, std::size_t M> void NarrowBytes(const unsigned (&values)[N], std::uint8_t (&bytes)[M]) {
     static_assert(N <= M, "the byte array must hold every scanned value");
     for (std::size_t i = 0; i < N; ++i)
         bytes[i] = static_cast<std::uint8_t>(values[i]);

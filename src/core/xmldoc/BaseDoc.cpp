@@ -1,10 +1,17 @@
 #include "xmldoc/BaseDoc.h"
 
-
 #include <algorithm>
-#include <climits>
+#include <limits>
 
 namespace ZDTAnalyzer {
+
+namespace {
+
+// Start values of the wrap-around walks: no row lies beyond them.
+constexpr zdt::RowIndex AboveEveryRow = std::numeric_limits<zdt::RowIndex>::max();
+constexpr zdt::RowIndex BelowEveryRow = std::numeric_limits<zdt::RowIndex>::min();
+
+} // namespace
 
 void BaseDoc::Description::setField(std::string /*name*/, std::string /*value*/) {}
 
@@ -12,20 +19,20 @@ int BaseDoc::ProxyBookmarkArrayImpl::size() const {
     return static_cast<int>(m_bookmarks->size());
 }
 
-int BaseDoc::ProxyBookmarkArrayImpl::row(int index) const {
-    return m_bookmarks->at(index).row;
+zdt::RowIndex BaseDoc::ProxyBookmarkArrayImpl::row(int index) const {
+    return m_bookmarks->at(static_cast<std::size_t>(index)).row;
 }
 
 std::string BaseDoc::ProxyBookmarkArrayImpl::name(int index) const {
-    return m_bookmarks->at(index).name;
+    return m_bookmarks->at(static_cast<std::size_t>(index)).name;
 }
 
 std::string BaseDoc::ProxyBookmarkArrayImpl::description(int index) const {
-    return m_bookmarks->at(index).description;
+    return m_bookmarks->at(static_cast<std::size_t>(index)).description;
 }
 
 void BaseDoc::ProxyBookmarkArrayImpl::setDescription(int index, std::string description) {
-    m_bookmarks->at(index).description = std::move(description);
+    m_bookmarks->at(static_cast<std::size_t>(index)).description = std::move(description);
 }
 
 void BaseDoc::updateAllViews() {
@@ -33,7 +40,7 @@ void BaseDoc::updateAllViews() {
         m_updateListener();
 }
 
-bool BaseDoc::setRowMark(int row, std::size_t position, char mark) {
+bool BaseDoc::setRowMark(zdt::RowIndex row, std::size_t position, char mark) {
     std::string text = m_container.readRow(row);
     if (text.size() <= 2)
         return false;
@@ -42,19 +49,19 @@ bool BaseDoc::setRowMark(int row, std::size_t position, char mark) {
     return true;
 }
 
-bool BaseDoc::isBookmarked(int row) {
+bool BaseDoc::isBookmarked(zdt::RowIndex row) {
     const std::string text = m_container.readRow(row);
     return text.size() > 2 && text[BookmarkMarkPosition] != MarkClear;
 }
 
-void BaseDoc::addBookmark(int row, std::string name, std::string description) {
+void BaseDoc::addBookmark(zdt::RowIndex row, std::string name, std::string description) {
     if (!setRowMark(row, BookmarkMarkPosition, MarkSet))
         return;
     m_bookmarks.push_back(Bookmark{row, std::move(name), std::move(description)});
     updateAllViews();
 }
 
-void BaseDoc::removeBookmark(int row) {
+void BaseDoc::removeBookmark(zdt::RowIndex row) {
     if (!setRowMark(row, BookmarkMarkPosition, MarkClear))
         return;
     const auto found =
@@ -71,7 +78,7 @@ void BaseDoc::clearBookmarks() {
     updateAllViews();
 }
 
-void BaseDoc::markFindResult(int row) {
+void BaseDoc::markFindResult(zdt::RowIndex row) {
     if (!m_findResults.empty() && row < m_findResults.back())
         m_findResultsSorted = false;
     // The result counts even when the row has no room for a mark.
@@ -80,7 +87,7 @@ void BaseDoc::markFindResult(int row) {
 }
 
 void BaseDoc::clearFindResults() {
-    for (int row : m_findResults)
+    for (zdt::RowIndex row : m_findResults)
         setRowMark(row, FindMarkPosition, MarkClear);
     m_findResults.clear();
     m_findResultsSorted = true;
@@ -91,47 +98,47 @@ std::vector<BaseDoc::Bookmark> BaseDoc::bookmarkCopy() const {
 }
 
 // Bookmarks are kept in order of setting, so both walks visit all of them.
-int BaseDoc::nextBookmark(int currentRow) const {
+zdt::RowIndex BaseDoc::nextBookmark(zdt::RowIndex currentRow) const {
     if (m_bookmarks.empty())
-        return -1;
-    int above = INT_MAX;
-    int smallest = INT_MAX;
+        return zdt::NoRow;
+    zdt::RowIndex above = AboveEveryRow;
+    zdt::RowIndex smallest = AboveEveryRow;
     for (const Bookmark& bookmark : m_bookmarks) {
         if (bookmark.row > currentRow && bookmark.row < above)
             above = bookmark.row;
         smallest = std::min(smallest, bookmark.row);
     }
-    return above != INT_MAX ? above : smallest;
+    return above != AboveEveryRow ? above : smallest;
 }
 
-int BaseDoc::previousBookmark(int currentRow) const {
+zdt::RowIndex BaseDoc::previousBookmark(zdt::RowIndex currentRow) const {
     if (m_bookmarks.empty())
-        return -1;
-    int below = INT_MIN;
-    int largest = INT_MIN;
+        return zdt::NoRow;
+    zdt::RowIndex below = BelowEveryRow;
+    zdt::RowIndex largest = BelowEveryRow;
     for (const Bookmark& bookmark : m_bookmarks) {
         if (bookmark.row < currentRow && bookmark.row > below)
             below = bookmark.row;
         largest = std::max(largest, bookmark.row);
     }
-    return below != INT_MIN ? below : largest;
+    return below != BelowEveryRow ? below : largest;
 }
 
-int BaseDoc::nextFindResult(int currentRow) const {
+zdt::RowIndex BaseDoc::nextFindResult(zdt::RowIndex currentRow) const {
     if (m_findResults.empty())
-        return -1;
+        return zdt::NoRow;
     return m_findResultsSorted ? nextFindResultSorted(currentRow) : nextFindResultLinear(currentRow);
 }
 
-int BaseDoc::previousFindResult(int currentRow) const {
+zdt::RowIndex BaseDoc::previousFindResult(zdt::RowIndex currentRow) const {
     if (m_findResults.empty())
-        return -1;
+        return zdt::NoRow;
     return m_findResultsSorted ? previousFindResultSorted(currentRow) : previousFindResultLinear(currentRow);
 }
 
 // A search may mark very many rows, so ascending results are bisected.
-int BaseDoc::nextFindResultSorted(int currentRow) const {
-    const std::vector<int>& results = m_findResults;
+zdt::RowIndex BaseDoc::nextFindResultSorted(zdt::RowIndex currentRow) const {
+    const std::vector<zdt::RowIndex>& results = m_findResults;
     if (results.back() <= currentRow)
         return results.front();
     std::size_t low = 0;
@@ -148,8 +155,8 @@ int BaseDoc::nextFindResultSorted(int currentRow) const {
     return results[low] > currentRow ? results[low] : results[high];
 }
 
-int BaseDoc::previousFindResultSorted(int currentRow) const {
-    const std::vector<int>& results = m_findResults;
+zdt::RowIndex BaseDoc::previousFindResultSorted(zdt::RowIndex currentRow) const {
+    const std::vector<zdt::RowIndex>& results = m_findResults;
     if (results.front() >= currentRow)
         return results.back();
     std::size_t low = 0;
@@ -166,30 +173,31 @@ int BaseDoc::previousFindResultSorted(int currentRow) const {
     return results[high] < currentRow ? results[high] : results[low];
 }
 
-int BaseDoc::nextFindResultLinear(int currentRow) const {
-    int above = INT_MAX;
-    int smallest = INT_MAX;
-    for (int row : m_findResults) {
+zdt::RowIndex BaseDoc::nextFindResultLinear(zdt::RowIndex currentRow) const {
+    zdt::RowIndex above = AboveEveryRow;
+    zdt::RowIndex smallest = AboveEveryRow;
+    for (zdt::RowIndex row : m_findResults) {
         if (row > currentRow && row < above)
             above = row;
         smallest = std::min(smallest, row);
     }
-    return above != INT_MAX ? above : smallest;
+    return above != AboveEveryRow ? above : smallest;
 }
 
-int BaseDoc::previousFindResultLinear(int currentRow) const {
-    int below = INT_MIN;
-    int largest = INT_MIN;
-    for (int row : m_findResults) {
+zdt::RowIndex BaseDoc::previousFindResultLinear(zdt::RowIndex currentRow) const {
+    zdt::RowIndex below = BelowEveryRow;
+    zdt::RowIndex largest = BelowEveryRow;
+    for (zdt::RowIndex row : m_findResults) {
         if (row < currentRow && row > below)
             below = row;
         largest = std::max(largest, row);
     }
-    return below != INT_MIN ? below : largest;
+    return below != BelowEveryRow ? below : largest;
 }
 
-std::optional<int> BaseDoc::goTo(GoToCommand command, int selectionMark, int itemCount, zdt::MessageSink* messages) {
-    if (selectionMark == -1) {
+std::optional<zdt::RowIndex> BaseDoc::goTo(GoToCommand command, zdt::RowIndex selectionMark, zdt::RowCount itemCount,
+                                           zdt::MessageSink* messages) {
+    if (selectionMark == zdt::NoRow) {
         showDocumentError(messages, NoRowSelectedText);
         return std::nullopt;
     }
@@ -203,12 +211,20 @@ std::optional<int> BaseDoc::goTo(GoToCommand command, int selectionMark, int ite
         showDocumentError(messages, NoFindResultsText);
         return std::nullopt;
     }
-    int row = -1;
+    zdt::RowIndex row = zdt::NoRow;
     switch (command) {
-    case GoToCommand::PreviousBookmark: row = previousBookmark(selectionMark); break;
-    case GoToCommand::NextBookmark: row = nextBookmark(selectionMark); break;
-    case GoToCommand::FindNext: row = nextFindResult(selectionMark); break;
-    case GoToCommand::FindPrevious: row = previousFindResult(selectionMark); break;
+    case GoToCommand::PreviousBookmark:
+        row = previousBookmark(selectionMark);
+        break;
+    case GoToCommand::NextBookmark:
+        row = nextBookmark(selectionMark);
+        break;
+    case GoToCommand::FindNext:
+        row = nextFindResult(selectionMark);
+        break;
+    case GoToCommand::FindPrevious:
+        row = previousFindResult(selectionMark);
+        break;
     }
     if (row < 0 || row >= itemCount)
         return std::nullopt;

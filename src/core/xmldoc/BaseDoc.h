@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/RowTypes.h"
 #include "common/UserMessage.h"
 #include "xmldoc/FileContainer.h"
 #include "xmldoc/GuardedPass.h"
@@ -20,7 +21,7 @@ namespace ZDTAnalyzer {
 class BaseDoc {
 public:
     struct Bookmark {
-        int row = -1;
+        zdt::RowIndex row = zdt::NoRow;
         std::string name;
         std::string description;
     };
@@ -39,7 +40,7 @@ public:
         explicit ProxyBookmarkArrayImpl(std::vector<Bookmark>* bookmarks) : m_bookmarks(bookmarks) {}
 
         int size() const override;
-        int row(int index) const override;
+        zdt::RowIndex row(int index) const override;
         std::string name(int index) const override;
         std::string description(int index) const override;
         void setDescription(int index, std::string description) override;
@@ -77,14 +78,14 @@ public:
     FileContainer<BaseDoc>& container() { return m_container; }
     const FileContainer<BaseDoc>& container() const { return m_container; }
 
-    // The row views select at their next update; -1 for none.
-    int jumpRow() const { return m_jumpRow; }
-    void setJumpRow(int row) { m_jumpRow = row; }
+    // The row views select at their next update; NoRow for none.
+    zdt::RowIndex jumpRow() const { return m_jumpRow; }
+    void setJumpRow(zdt::RowIndex row) { m_jumpRow = row; }
 
     // In order of setting.
     const std::list<Bookmark>& bookmarks() const { return m_bookmarks; }
     // Rows marked by the last search, in order of marking.
-    const std::vector<int>& findResults() const { return m_findResults; }
+    const std::vector<zdt::RowIndex>& findResults() const { return m_findResults; }
     // True while findResults() is ascending.
     bool findResultsSorted() const { return m_findResultsSorted; }
 
@@ -96,24 +97,25 @@ public:
     // Row operations; they read and rewrite the row through the container, so they
     // raise FileContainerBase::Exception as the container does. A row text of 2
     // characters or fewer has no marks to change.
-    bool isBookmarked(int row);
-    void addBookmark(int row, std::string name, std::string description);
-    void removeBookmark(int row);
+    bool isBookmarked(zdt::RowIndex row);
+    void addBookmark(zdt::RowIndex row, std::string name, std::string description);
+    void removeBookmark(zdt::RowIndex row);
     void clearBookmarks();
-    void markFindResult(int row);
+    void markFindResult(zdt::RowIndex row);
     void clearFindResults();
 
-    // Navigation with wrap-around; -1 when there is nothing to go to. The current row
+    // Navigation with wrap-around; NoRow when there is nothing to go to. The current row
     // itself comes back only when it is the only candidate.
-    int previousBookmark(int currentRow) const;
-    int nextBookmark(int currentRow) const;
-    int previousFindResult(int currentRow) const;
-    int nextFindResult(int currentRow) const;
+    zdt::RowIndex previousBookmark(zdt::RowIndex currentRow) const;
+    zdt::RowIndex nextBookmark(zdt::RowIndex currentRow) const;
+    zdt::RowIndex previousFindResult(zdt::RowIndex currentRow) const;
+    zdt::RowIndex nextFindResult(zdt::RowIndex currentRow) const;
 
-    // The row that a go-to command selects from the selected row `selectionMark` (-1 for
-    // none) in a list of `itemCount` rows; nothing when the command stops with a message
-    // or finds no row inside the list.
-    std::optional<int> goTo(GoToCommand command, int selectionMark, int itemCount, zdt::MessageSink* messages);
+    // The row that a go-to command selects from the selected row `selectionMark` (NoRow
+    // for none) in a list of `itemCount` rows; nothing when the command stops with a
+    // message or finds no row inside the list.
+    std::optional<zdt::RowIndex> goTo(GoToCommand command, zdt::RowIndex selectionMark, zdt::RowCount itemCount,
+                                      zdt::MessageSink* messages);
 
     // The bookmark list command is enabled only with bookmarks.
     bool canShowBookmarkList() const { return !m_bookmarks.empty(); }
@@ -142,16 +144,16 @@ protected:
 private:
     // Reads the row, puts `mark` at `position` and writes the row back when it is
     // long enough; returns whether it was.
-    bool setRowMark(int row, std::size_t position, char mark);
-    int nextFindResultSorted(int currentRow) const;
-    int previousFindResultSorted(int currentRow) const;
-    int nextFindResultLinear(int currentRow) const;
-    int previousFindResultLinear(int currentRow) const;
+    bool setRowMark(zdt::RowIndex row, std::size_t position, char mark);
+    zdt::RowIndex nextFindResultSorted(zdt::RowIndex currentRow) const;
+    zdt::RowIndex previousFindResultSorted(zdt::RowIndex currentRow) const;
+    zdt::RowIndex nextFindResultLinear(zdt::RowIndex currentRow) const;
+    zdt::RowIndex previousFindResultLinear(zdt::RowIndex currentRow) const;
 
     FileContainer<BaseDoc> m_container;
-    int m_jumpRow = -1;
+    zdt::RowIndex m_jumpRow = zdt::NoRow;
     std::list<Bookmark> m_bookmarks;
-    std::vector<int> m_findResults;
+    std::vector<zdt::RowIndex> m_findResults;
     bool m_findResultsSorted = true;
     std::function<void()> m_updateListener;
 };

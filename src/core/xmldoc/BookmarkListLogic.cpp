@@ -87,7 +87,7 @@ void applyResult(BaseDoc& document, const std::vector<BaseDoc::Bookmark>& copy, 
         return;
     document.setJumpRow(copy.at(static_cast<std::size_t>(result.goToIndex)).row);
     document.updateAllViews();
-    document.setJumpRow(-1);
+    document.setJumpRow(zdt::NoRow);
 }
 
 void showBookmarkList(BaseDoc& document, const std::string& fileName, const RunDialog& runDialog) {

@@ -8,8 +8,7 @@ namespace ZDTAnalyzer {
 
 // What every element routine of a parse receives. It belongs to the caller of the
 // parser, so the values collected in the slots outlive a failed parse.
-template <typename Consumer>
-struct ConsumerContext {
+template <typename Consumer> struct ConsumerContext {
     // Slot numbers are fixed per format; 400 covers the largest one.
     static constexpr std::size_t SlotCount = 400;
 

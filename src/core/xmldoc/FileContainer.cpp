@@ -46,9 +46,13 @@ std::string cutAsLine(std::string bytes) {
 
 } // namespace
 
-FileContainerBase::FileContainerBase() { m_rowOffsets.Append(0); }
+FileContainerBase::FileContainerBase() {
+    m_rowOffsets.Append(0);
+}
 
-FileContainerBase::~FileContainerBase() { closeAndRemove(); }
+FileContainerBase::~FileContainerBase() {
+    closeAndRemove();
+}
 
 void FileContainerBase::closeAndRemove() {
     if (m_fd >= 0) {
@@ -77,7 +81,7 @@ void FileContainerBase::createSwapFile(const std::string& directory) {
     m_endOffset = 0;
     m_bufferOffset = 0;
     m_writeFailed = false;
-    m_cachedRowIndex = -1;
+    m_cachedRowIndex = zdt::NoRow;
     m_cachedColumns.clear();
 
     // O_EXCL and O_NOFOLLOW: a file or link planted under our name is never used.
@@ -101,7 +105,7 @@ void FileContainerBase::appendRow(std::string_view text) {
     if (m_writeFailed)
         throw Exception(IoErrorText);
     text = text.substr(0, text.find('\0'));
-    const std::uint64_t next = m_endOffset + text.size() + 1;
+    const zdt::FileOffset next = m_endOffset + text.size() + 1;
     if (!m_rowOffsets.Append(next))
         throw std::bad_alloc();
     if (m_writeBuffer.empty())
@@ -127,14 +131,14 @@ void FileContainerBase::flush() {
         m_writeFailed = true;
         m_writeBuffer.clear();
         if (m_cachedRowIndex >= m_rowCount)
-            m_cachedRowIndex = -1;
+            m_cachedRowIndex = zdt::NoRow;
         throw;
     }
     m_writeBuffer.clear();
     m_rowsOnFile = m_rowCount;
 }
 
-void FileContainerBase::writeAt(std::uint64_t offset, const char* bytes, std::size_t size) {
+void FileContainerBase::writeAt(zdt::FileOffset offset, const char* bytes, std::size_t size) {
     while (size > 0) {
         const ssize_t written = ::pwrite(m_fd, bytes, size, static_cast<off_t>(offset));
         if (written < 0 && errno == EINTR)
@@ -143,18 +147,18 @@ void FileContainerBase::writeAt(std::uint64_t offset, const char* bytes, std::si
             throw Exception(IoErrorText);
         bytes += written;
         size -= static_cast<std::size_t>(written);
-        offset += static_cast<std::uint64_t>(written);
+        offset += static_cast<zdt::FileOffset>(written);
     }
 }
 
-std::string FileContainerBase::readRow(int row) {
+std::string FileContainerBase::readRow(zdt::RowIndex row) {
     const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     if (m_rowCount == 0 || row >= m_rowCount)
         throw Exception(ReadOutOfRangeText);
     if (row < 0)
         return {};
     flush();
-    const std::uint64_t offset = m_rowOffsets.Get(static_cast<std::uint32_t>(row));
+    const zdt::FileOffset offset = m_rowOffsets.Get(static_cast<std::uint32_t>(row));
     const std::uint64_t size = m_rowOffsets.Get(static_cast<std::uint32_t>(row) + 1) - offset;
     std::string bytes(size, '\0');
     std::size_t filled = 0;
@@ -172,11 +176,11 @@ std::string FileContainerBase::readRow(int row) {
     return cutAsLine(std::move(bytes));
 }
 
-void FileContainerBase::rewriteRow(int row, std::string_view text) {
+void FileContainerBase::rewriteRow(zdt::RowIndex row, std::string_view text) {
     const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     if (row >= m_rowCount)
         throw Exception(RewriteOutOfRangeText);
-    std::uint64_t offset = 0;
+    zdt::FileOffset offset = 0;
     std::uint64_t size = 0;
     if (row >= 0) {
         offset = m_rowOffsets.Get(static_cast<std::uint32_t>(row));
@@ -188,13 +192,14 @@ void FileContainerBase::rewriteRow(int row, std::string_view text) {
         return;
     flush();
     // The text already ends with the row's closing space, so the extra space lands on
-    // the next row's first byte, exactly as the rows' original writer did.
+    // the next row's find mark and clears it. Past the last row it lengthens the file by
+    // one byte, which the next append writes over.
     std::string bytes(text.substr(0, text.find('\0')));
     bytes.push_back(' ');
     writeAt(offset, bytes.data(), bytes.size());
 }
 
-const std::vector<std::string>& FileContainerBase::cachedColumnsOf(int row) {
+const std::vector<std::string>& FileContainerBase::cachedColumnsOf(zdt::RowIndex row) {
     if (m_cachedRowIndex != row) {
         // Emptied before the read: a failed read leaves the old index with no columns.
         m_cachedColumns.clear();
@@ -235,7 +240,7 @@ void FileContainerBase::splitIntoCachedColumns(const std::string& row) {
     }
 }
 
-void FileContainerBase::getColumnText(int row, int column, char* buffer, int capacity) {
+void FileContainerBase::getColumnText(zdt::RowIndex row, int column, char* buffer, int capacity) {
     const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     const std::vector<std::string>& columns = cachedColumnsOf(row);
     if (buffer == nullptr || capacity < 1)
@@ -251,7 +256,7 @@ void FileContainerBase::getColumnText(int row, int column, char* buffer, int cap
     buffer[length] = '\0';
 }
 
-std::string FileContainerBase::columnText(int row, int column) {
+std::string FileContainerBase::columnText(zdt::RowIndex row, int column) {
     const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     const std::vector<std::string>& columns = cachedColumnsOf(row);
     if (column < 0 || static_cast<std::size_t>(column) >= columns.size())
@@ -264,7 +269,7 @@ std::string FileContainerBase::columnText(int row, int column) {
 void FileContainerBase::appendUnwrittenRow(std::uint64_t size) {
     const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     flush();
-    const std::uint64_t next = m_endOffset + size;
+    const zdt::FileOffset next = m_endOffset + size;
     if (!m_rowOffsets.Append(next))
         throw std::bad_alloc();
     m_endOffset = next;

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "common/RowTypes.h"
 #include "trace/ChunkedArray.h"
 
 #include <atomic>
 #include <cstdint>
-#include <mutex>
 #include <exception>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,37 +58,38 @@ public:
 
     // The row's text with its closing space. Only the upper bound is checked: a
     // negative index reads as an empty row that is not on file.
-    std::string readRow(int row);
+    std::string readRow(zdt::RowIndex row);
 
     // Writes a row back in place; `text` is what readRow gave, with the same size.
-    // Like the rows' original writer, it also puts a space on the first byte of the
-    // next row (that row's find mark). A negative index is an empty row: only an
-    // empty text passes the size test, and nothing is written.
-    void rewriteRow(int row, std::string_view text);
+    // One space more follows the text, on the first byte of the next row: that byte is
+    // the next row's find mark, which then reads as not set (a mark counts only as '1').
+    // A negative index is an empty row: only an empty text passes the size test, and
+    // nothing is written.
+    void rewriteRow(zdt::RowIndex row, std::string_view text);
 
     // One cell for the list view: the column's text cut to capacity - 1 bytes and
     // terminated; eight spaces for a column past the row's last (terminated only when
     // room is left, like strncpy). A capacity below 1 writes nothing.
-    void getColumnText(int row, int column, char* buffer, int capacity);
+    void getColumnText(zdt::RowIndex row, int column, char* buffer, int capacity);
     // The whole cell, uncut, for the command line and tests.
-    std::string columnText(int row, int column);
+    std::string columnText(zdt::RowIndex row, int column);
 
     // Puts buffered rows on file; a document calls it at the end of its parse so a
     // full disk is reported by the open.
     void flush();
 
-    int rowCount() const { return m_rowCount.load(); }
+    zdt::RowCount rowCount() const { return m_rowCount.load(); }
     const std::string& swapFileName() const { return m_swapFileName; }
     // Where the next row will start.
-    std::uint64_t endOffset() const { return m_endOffset; }
+    zdt::FileOffset endOffset() const { return m_endOffset; }
 
 private:
     friend class FileContainerTestPeer;
 
     void closeAndRemove();
-    const std::vector<std::string>& cachedColumnsOf(int row);
+    const std::vector<std::string>& cachedColumnsOf(zdt::RowIndex row);
     void splitIntoCachedColumns(const std::string& row);
-    void writeAt(std::uint64_t offset, const char* bytes, std::size_t size);
+    void writeAt(zdt::FileOffset offset, const char* bytes, std::size_t size);
     void appendUnwrittenRow(std::uint64_t size);
 
     // Recursive: public operations call each other (a read flushes first).
@@ -96,19 +98,18 @@ private:
     std::string m_swapFileName;
     // Entry i is where row i starts; entry m_rowCount is where the next row goes.
     OffsetArray m_rowOffsets;
-    std::atomic<int> m_rowCount{0};
-    int m_cachedRowIndex = -1;
+    std::atomic<zdt::RowCount> m_rowCount{0};
+    zdt::RowIndex m_cachedRowIndex = zdt::NoRow;
     std::vector<std::string> m_cachedColumns;
 
-    std::string m_writeBuffer;        // rows appended but not yet on file
-    std::uint64_t m_bufferOffset = 0; // where the buffer's first byte belongs
-    std::uint64_t m_endOffset = 0;    // entry m_rowCount of m_rowOffsets, kept at hand
-    int m_rowsOnFile = 0;             // rows whose bytes are all on file
+    std::string m_writeBuffer;          // rows appended but not yet on file
+    zdt::FileOffset m_bufferOffset = 0; // where the buffer's first byte belongs
+    zdt::FileOffset m_endOffset = 0;    // entry m_rowCount of m_rowOffsets, kept at hand
+    zdt::RowCount m_rowsOnFile = 0;     // rows whose bytes are all on file
     bool m_writeFailed = false;
 };
 
 // One container per document; the document type only keeps the containers apart.
-template <typename Document>
-class FileContainer : public FileContainerBase {};
+template <typename Document> class FileContainer : public FileContainerBase {};
 
 } // namespace ZDTAnalyzer

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "common/RowTypes.h"
 #include "common/UserMessage.h"
 #include "xmldoc/FileContainer.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -22,8 +22,8 @@ typename Parser::ProgressCallback progressOf(zdt::ProgressSink* progress, const 
         return {};
     std::error_code error;
     const auto size = std::filesystem::file_size(path, error);
-    const unsigned long long total = error ? 0 : size;
-    return [progress, total](std::uint64_t done) { return progress->onProgress(done, total); };
+    const zdt::FileOffset total = error ? 0 : size;
+    return [progress, total](zdt::FileOffset done) { return progress->onProgress(done, total); };
 }
 
 // Runs one pass of an XML document over its file and shows its failure the way every

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/RowTypes.h"
+
 #include <string>
 
 namespace ZDTAnalyzer {
@@ -11,7 +13,7 @@ public:
     virtual ~ProxyBookmarkArray() = default;
 
     virtual int size() const = 0;
-    virtual int row(int index) const = 0;
+    virtual zdt::RowIndex row(int index) const = 0;
     virtual std::string name(int index) const = 0;
     virtual std::string description(int index) const = 0;
     virtual void setDescription(int index, std::string description) = 0;

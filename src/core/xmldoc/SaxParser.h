@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/RowTypes.h"
 #include "xmldoc/ConsumerContext.h"
 
 #include <expat.h>
@@ -18,20 +19,18 @@ namespace ZDTAnalyzer {
 
 // One row of a transition table. The row with the empty name closes the table, and
 // its element is the state of every child whose name is not listed.
-template <typename Elements>
-struct ElementTransition {
+template <typename Elements> struct ElementTransition {
     std::string_view name;
     Elements element;
 };
 
 // The record a format's routines receive: ConsumerContext, unless the traits name
 // their own (a format that adds fields to it).
+template <typename Traits> struct ContextOf { using type = ConsumerContext<typename Traits::Consumer>; };
 template <typename Traits>
-struct ContextOf {
-    using type = ConsumerContext<typename Traits::Consumer>;
-};
-template <typename Traits>
-    requires requires { typename Traits::Context; }
+requires requires {
+    typename Traits::Context;
+}
 struct ContextOf<Traits> {
     using type = typename Traits::Context;
 };
@@ -43,8 +42,7 @@ struct ContextOf<Traits> {
 //     or install(SaxParser<Traits>&, Context&) when the tables depend on the consumer
 //   using Context = ...;  // optional, see ContextOf
 // Each instantiation has its own Exception type, so a pass catches only its own.
-template <typename Traits>
-class SaxParser {
+template <typename Traits> class SaxParser {
 public:
     using XMLElements = typename Traits::XMLElements;
     using Consumer = typename Traits::Consumer;
@@ -54,11 +52,11 @@ public:
     using CharacterRoutine = void (*)(Context& context, const std::string& text);
     using EndRoutine = void (*)(Context& context);
     // Called after each block with the bytes read so far; returning false cancels.
-    using ProgressCallback = std::function<bool(std::uint64_t bytesRead)>;
+    using ProgressCallback = std::function<bool(zdt::FileOffset bytesRead)>;
 
-    static constexpr int ElementCount = static_cast<int>(Traits::XMLElements::DocumentRoot) + 1;
+    static constexpr std::size_t ElementCount = static_cast<std::size_t>(Traits::XMLElements::DocumentRoot) + 1;
     static constexpr std::size_t BlockSize = 10240;
-    static constexpr int InitialStackSize = 200;
+    static constexpr std::size_t InitialStackSize = 200;
 
     class Exception : public std::exception {
     public:
@@ -123,7 +121,9 @@ public:
     }
     void setTransitions(XMLElements parent, const Transition* table) { m_transitions[checkedIndex(parent)] = table; }
 
-    void setStartRoutine(XMLElements element, StartRoutine routine) { m_startRoutines[checkedIndex(element)] = routine; }
+    void setStartRoutine(XMLElements element, StartRoutine routine) {
+        m_startRoutines[checkedIndex(element)] = routine;
+    }
     void setCharacterRoutine(XMLElements element, CharacterRoutine routine) {
         m_characterRoutines[checkedIndex(element)] = routine;
     }
@@ -183,7 +183,7 @@ private:
 
     void readLoop(const ProgressCallback& progress) {
         std::vector<char> buffer(BlockSize);
-        std::uint64_t bytesRead = 0;
+        zdt::FileOffset bytesRead = 0;
         for (;;) {
             const std::size_t count = std::fread(buffer.data(), 1, BlockSize, m_file);
             if (count == 0)
@@ -204,8 +204,7 @@ private:
     std::string xmlErrorText() const {
         const XML_Error code = XML_GetErrorCode(m_parser);
         const char* text = XML_ErrorString(code);
-        return "XML error: " + std::to_string(XML_GetCurrentLineNumber(m_parser)) + " " +
-               (text != nullptr ? text : "");
+        return "XML error: " + std::to_string(XML_GetCurrentLineNumber(m_parser)) + " " + (text != nullptr ? text : "");
     }
 
     // Exceptions must not unwind through Expat's C frames: a callback keeps the first
@@ -218,8 +217,7 @@ private:
         }
     }
 
-    template <typename Handler>
-    static void guarded(void* userData, Handler handler) {
+    template <typename Handler> static void guarded(void* userData, Handler handler) {
         auto* data = static_cast<ParserUserData*>(userData);
         SaxParser& self = *data->parser;
         if (self.m_pending)
@@ -243,19 +241,19 @@ private:
     }
 
     void startElement(Context& context, const char* name, const char** attributes) {
-        const int parent = checkedIndex(topState());
+        const std::size_t parent = checkedIndex(topState());
         const std::string_view childName(name);
         const Transition* row = m_transitions[parent];
         while (!row->name.empty() && row->name != childName)
             ++row;
-        const int next = checkedIndex(row->element);
+        const std::size_t next = checkedIndex(row->element);
         if (StartRoutine routine = m_startRoutines[next])
             routine(context, attributes);
         push(row->element);
     }
 
     void characters(Context& context, const char* text, int length) {
-        const int state = checkedIndex(topState());
+        const std::size_t state = checkedIndex(topState());
         if (CharacterRoutine routine = m_characterRoutines[state]) {
             m_text.assign(text, static_cast<std::size_t>(length));
             routine(context, m_text);
@@ -265,7 +263,7 @@ private:
     void endElement(Context& context) {
         const XMLElements state = topState();
         --m_top;
-        const int index = checkedIndex(state);
+        const std::size_t index = checkedIndex(state);
         if (EndRoutine routine = m_endRoutines[index])
             routine(context);
     }
@@ -279,7 +277,8 @@ private:
     void push(XMLElements state) {
         ++m_top;
         if (static_cast<std::size_t>(m_top) >= m_stack.size()) {
-            // The growth rule of the original array: an eighth, at least 4, at most 1,024.
+            // An eighth more, at least 4 and at most 1,024 states: documents rarely nest
+            // past the first 200, and a deep one then grows in small steps.
             std::size_t growth = m_stack.size() / 8;
             growth = growth < 4 ? 4 : (growth > 1024 ? 1024 : growth);
             m_stack.resize(m_stack.size() + growth);
@@ -287,11 +286,11 @@ private:
         m_stack[static_cast<std::size_t>(m_top)] = state;
     }
 
-    static int checkedIndex(XMLElements element) {
+    static std::size_t checkedIndex(XMLElements element) {
         const int index = static_cast<int>(element);
-        if (index < 0 || index >= ElementCount)
+        if (index < 0 || static_cast<std::size_t>(index) >= ElementCount)
             throw Exception("index out of bounds");
-        return index;
+        return static_cast<std::size_t>(index);
     }
 
     std::FILE* m_file = nullptr;

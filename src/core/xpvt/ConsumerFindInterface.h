@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/RowTypes.h"
 #include "xpvt/XpvtElements.h"
 #include "xpvt/XpvtFindCriteria.h"
 
@@ -15,9 +16,9 @@ struct ConsumerFindInterface {
     XpvtDoc* document = nullptr;
     const XpvtFindCriteria701* criteria701 = nullptr;
     const XpvtFindCriteria702* criteria702 = nullptr;
-    int row = 0;
-    // 7.02: a row remembered to be marked together with a later parameter hit; -1 for none.
-    int pendingRow = -1;
+    zdt::RowIndex row = 0; // the row the next event makes
+    // 7.02: a row remembered to be marked together with a later parameter hit; NoRow for none.
+    zdt::RowIndex pendingRow = zdt::NoRow;
     // 7.02: the nesting the row pass keeps in its consumer; parameter rows depend on it.
     int ParameterLevel = 0;
     int LastOpenedLevel = 0;
@@ -26,8 +27,7 @@ struct ConsumerFindInterface {
     bool ownerMatches = false;
 };
 
-template <>
-struct SaxParserTraits<ConsumerFindInterface> {
+template <> struct SaxParserTraits<ConsumerFindInterface> {
     using XMLElements = Xpvt::XMLElements;
     using Consumer = ConsumerFindInterface;
     using Context = XpvtContext<Consumer>;

@@ -16,8 +16,10 @@ using Traits = SaxParserTraits<ConsumerFindInterface>;
 struct FindHooks701 {
     using ParserTraits = Traits;
     using Context = FindContext;
-    // Counted once at each parameter's end, in closing order: nested groups may mark a
-    // neighbouring row of the group, as the list's users know it.
+    // Counted once at each parameter's end, in closing order, without the levels the row
+    // pass keeps: in a nested group a hit may therefore mark a neighbouring row of the
+    // same group. Each parameter still counts one row, as in the row pass, so the rows
+    // after the group keep their place.
     static constexpr bool NestsResponseParameters = false;
 
     static void onRow(Context& context, Row701 event);
@@ -55,10 +57,10 @@ bool responseParameterMatches(const FindContext& c, const XpvtFindCriteria701& k
 }
 
 // Marks `count` rows from the counter on when `matched`, then moves the counter past them.
-void count(FindContext& c, int rows, bool matched) {
+void count(FindContext& c, zdt::RowCount rows, bool matched) {
     ConsumerFindInterface& consumer = *c.consumer;
     if (matched && consumer.document != nullptr)
-        for (int i = 0; i < rows; ++i)
+        for (zdt::RowCount i = 0; i < rows; ++i)
             consumer.document->markFindResult(consumer.row + i);
     consumer.row += rows;
 }

@@ -161,25 +161,25 @@ bool parameterPageMatches(const Criteria::ParameterSection& s, const FindContext
 // A message: its rows are hits by themselves, or its first row waits for a parameter.
 template <typename Section>
 void onMessage(ConsumerFindInterface& consumer, const Section& s, const FindContext& c, const Event702& event,
-               int firstRow) {
+               zdt::RowIndex firstRow) {
     const bool passes = s.findPressed && ownerPasses(s, c, *event.message);
     consumer.ownerMatches = passes && s.parameterEnabled;
-    consumer.pendingRow = consumer.ownerMatches ? firstRow : -1;
+    consumer.pendingRow = consumer.ownerMatches ? firstRow : zdt::NoRow;
     if (passes && !s.parameterEnabled)
-        for (int row = firstRow; row < firstRow + event.rows; ++row)
+        for (zdt::RowIndex row = firstRow; row < firstRow + event.rows; ++row)
             consumer.document->markFindResult(row);
 }
 
 template <typename Section>
 void onParameter(ConsumerFindInterface& consumer, const Section& owner, const Criteria::ParameterSection& page,
-                 const FindContext& c, bool request, int row) {
+                 const FindContext& c, bool request, zdt::RowIndex row) {
     const bool ownedHit =
         owner.findPressed && owner.parameterEnabled && consumer.ownerMatches && ownedParameterMatches(owner, c);
     if (!ownedHit && !parameterPageMatches(page, c, request))
         return;
     if (ownedHit && consumer.pendingRow >= 0) {
         consumer.document->markFindResult(consumer.pendingRow);
-        consumer.pendingRow = -1;
+        consumer.pendingRow = zdt::NoRow;
     }
     consumer.document->markFindResult(row);
 }
@@ -187,7 +187,7 @@ void onParameter(ConsumerFindInterface& consumer, const Section& owner, const Cr
 void FindHooks702::onRow(FindContext& c, const Event702& event) {
     ConsumerFindInterface& consumer = *c.consumer;
     // Every row counts, searched or not, or every later mark would land off its row.
-    const int row = consumer.row;
+    const zdt::RowIndex row = consumer.row;
     consumer.row += event.rows;
     if (consumer.criteria702 == nullptr)
         return;

@@ -20,8 +20,7 @@ struct ConsumerUserInterface {
     std::string row; // reused for every row, so a row costs no allocation
 };
 
-template <>
-struct SaxParserTraits<ConsumerUserInterface> {
+template <> struct SaxParserTraits<ConsumerUserInterface> {
     using XMLElements = Xpvt::XMLElements;
     using Consumer = ConsumerUserInterface;
     using Context = XpvtContext<Consumer>;

@@ -23,7 +23,7 @@ void endRun(XpvtFindCriteria702& criteria) {
     const auto flags = pressedFlags(criteria);
     criteria.activePage = 0;
     for (int page = 0; page < PageCount; ++page) {
-        if (*flags[page]) {
+        if (*flags[static_cast<std::size_t>(page)]) {
             criteria.activePage = page;
             return;
         }

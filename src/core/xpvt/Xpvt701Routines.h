@@ -1,9 +1,10 @@
 #pragma once
 
+#include "common/RowTypes.h"
 #include "xmldoc/PrintableOnly.h"
 #include "xpvt/PduChunker.h"
-#include "xpvt/XpvtHeaderRoutines.h"
 #include "xpvt/XpvtElements.h"
+#include "xpvt/XpvtHeaderRoutines.h"
 
 #include <initializer_list>
 #include <string>
@@ -113,8 +114,8 @@ template <typename Hooks> struct Xpvt701Routines {
             onPiece(static_cast<const std::string&>(piece));
     }
 
-    static int pduPieceCount(const std::string& pdu) {
-        int count = 0;
+    static zdt::RowCount pduPieceCount(const std::string& pdu) {
+        zdt::RowCount count = 0;
         forEachPduPiece(pdu, [&count](const std::string&) { ++count; });
         return count;
     }

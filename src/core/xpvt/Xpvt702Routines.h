@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/RowTypes.h"
 #include "xmldoc/PrintableOnly.h"
 #include "xpvt/BitFieldImpl.h"
 #include "xpvt/XpvtElements.h"
@@ -39,7 +40,7 @@ enum class Row702 {
 // What a hook learns about an event besides the slots.
 struct Event702 {
     Row702 kind;
-    int rows;                    // rows the event makes
+    zdt::RowCount rows;          // rows the event makes
     int level;                   // ParameterLevel: the indent is two blanks per level above 1
     const BitFieldImpl* message; // message rows only
 };
@@ -128,7 +129,7 @@ template <typename Traits, typename Hooks> struct Xpvt702Routines {
         }
     }
 
-    static void row(Context& c, Row702 kind, int rows = 1, const BitFieldImpl* message = nullptr) {
+    static void row(Context& c, Row702 kind, zdt::RowCount rows = 1, const BitFieldImpl* message = nullptr) {
         cleanSlotsOf(c, kind);
         if (builds(c))
             Hooks::onRow(c, Event702{kind, rows, level(c), message});
@@ -187,7 +188,7 @@ template <typename Traits, typename Hooks> struct Xpvt702Routines {
         PrintableOnly(text);
         message.init(text.c_str());
         const unsigned lines = message.lineCount();
-        row(c, kind, lines == 0 ? 1 : static_cast<int>(lines), &message);
+        row(c, kind, lines == 0 ? 1 : static_cast<zdt::RowCount>(lines), &message);
     }
 
     static void messageRowsOnce(Context& c, Row702 kind, int messageSlot) {

@@ -9,8 +9,7 @@ namespace ZDTAnalyzer::Xpvt {
 // The part of a trace both schemas read alike: the path from the document root to the
 // trace and the session header (Description). A 7.02 file is read by these tables up to
 // the end of its header, so they are the same in both schemas' tables.
-template <typename Parser>
-struct XpvtHeaderRoutines {
+template <typename Parser> struct XpvtHeaderRoutines {
     using E = XMLElements;
     using Context = typename Parser::Context;
     using Transition = typename Parser::Transition;
@@ -18,8 +17,7 @@ struct XpvtHeaderRoutines {
     static std::string& slot(Context& c, int number) { return c.slots[static_cast<std::size_t>(number)]; }
 
     // Text of an element joins what its slot already holds.
-    template <int SlotNumber>
-    static void appendText(Context& c, const std::string& text) {
+    template <int SlotNumber> static void appendText(Context& c, const std::string& text) {
         slot(c, SlotNumber) += text;
     }
 

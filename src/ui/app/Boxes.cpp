@@ -26,16 +26,24 @@ Boxes* g_boxes = nullptr;
 
 } // namespace
 
-Boxes& Boxes::instance() { return g_boxes != nullptr ? *g_boxes : g_realBoxes; }
+Boxes& Boxes::instance() {
+    return g_boxes != nullptr ? *g_boxes : g_realBoxes;
+}
 
-void Boxes::install(Boxes* boxes) { g_boxes = boxes; }
+void Boxes::install(Boxes* boxes) {
+    g_boxes = boxes;
+}
 
 QMessageBox::Icon ToQtIcon(zdt::MessageIcon icon) {
     switch (icon) {
-    case zdt::MessageIcon::Error: return QMessageBox::Critical;
-    case zdt::MessageIcon::Warning: return QMessageBox::Warning;
-    case zdt::MessageIcon::Information: return QMessageBox::Information;
-    case zdt::MessageIcon::Question: return QMessageBox::Question;
+    case zdt::MessageIcon::Error:
+        return QMessageBox::Critical;
+    case zdt::MessageIcon::Warning:
+        return QMessageBox::Warning;
+    case zdt::MessageIcon::Information:
+        return QMessageBox::Information;
+    case zdt::MessageIcon::Question:
+        return QMessageBox::Question;
     }
     return QMessageBox::NoIcon;
 }

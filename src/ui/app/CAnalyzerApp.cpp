@@ -20,6 +20,8 @@
 #include <QPageSetupDialog>
 #include <QPrinter>
 
+#include <memory>
+
 #ifndef ZDT_PROGRAM_VERSION
 #define ZDT_PROGRAM_VERSION "0.1.0"
 #endif
@@ -80,13 +82,14 @@ bool CAnalyzerApp::InitInstance(const QStringList& arguments) {
     // The first argument goes straight to its document; the trace extensions are the file
     // dialog's rule, not the command line's. No argument opens nothing.
     m_mainFrame->show();
-    if (!arguments.isEmpty() && openDocumentFile(arguments.first()) == nullptr)
-        return false;
-
+    // The run's directory stands before the command line's file is read: the read runs
+    // in the background and makes its swap file there at once.
     if (std::optional<zdt::UserMessage> failure = m_sessionTempDir.Create()) {
         ShowMessage(nullptr, *failure);
         return false;
     }
+    if (!arguments.isEmpty() && openDocumentFile(arguments.first()) == nullptr)
+        return false;
     return true;
 }
 
@@ -160,11 +163,16 @@ void CAnalyzerApp::openEnded(CChildFrame* child, QMdiSubWindow* previous, const 
     if (opened) {
         m_recentFiles.add(fullPath);
     } else {
-        // The window goes before its boxes come: nothing stands behind them.
+        // The window goes before its boxes come: nothing stands behind them. The area
+        // showed the window it replaced in its normal state; it goes back as it was.
+        const bool wasMaximised = child->isMaximized();
         child->discard();
         delete child;
-        if (previous != nullptr)
+        if (previous != nullptr) {
             m_mainFrame->mdiArea()->setActiveSubWindow(previous);
+            if (wasMaximised)
+                previous->showMaximized();
+        }
     }
     m_mainFrame->refreshCommands();
     BoxMessageSink boxes(m_mainFrame.get());
@@ -214,11 +222,26 @@ void CAnalyzerApp::OpenRecentFile(int index) {
     if (index < 0 || index >= paths.size())
         return;
     const QString path = paths[index];
+    // An entry that no longer opens leaves the list once its read has ended.
+    const auto forgetIfFailed = std::make_shared<QMetaObject::Connection>();
+    *forgetIfFailed = connect(this, &CAnalyzerApp::documentOpened, this,
+                              [this, path, forgetIfFailed](const QString& opened, bool ok) {
+                                  if (opened != QDir::cleanPath(QFileInfo(path).absoluteFilePath()))
+                                      return;
+                                  disconnect(*forgetIfFailed);
+                                  if (!ok)
+                                      forgetRecentFile(path);
+                              });
     if (openDocumentFile(path) == nullptr) {
-        m_recentFiles.remove(int(m_recentFiles.paths().indexOf(path)));
-        if (m_mainFrame != nullptr)
-            m_mainFrame->refreshCommands();
+        disconnect(*forgetIfFailed);
+        forgetRecentFile(path);
     }
+}
+
+void CAnalyzerApp::forgetRecentFile(const QString& path) {
+    m_recentFiles.remove(int(m_recentFiles.paths().indexOf(path)));
+    if (m_mainFrame != nullptr)
+        m_mainFrame->refreshCommands();
 }
 
 void CAnalyzerApp::OnAppAbout() {

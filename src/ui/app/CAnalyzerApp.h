@@ -89,6 +89,7 @@ Q_SIGNALS:
 
 private:
     void registerTemplates();
+    void forgetRecentFile(const QString& path);
     void openEnded(CChildFrame* child, QMdiSubWindow* previous, const QString& fullPath, bool opened);
     DocumentTemplate* matchTemplate(const QString& path) const;
     CChildFrame* findOpenDocument(const QString& path) const;

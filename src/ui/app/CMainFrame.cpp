@@ -8,7 +8,6 @@
 #include "app/MenuResources.h"
 
 #include <QAction>
-#include <algorithm>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -21,6 +20,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QUrl>
+#include <algorithm>
 
 namespace zdtui {
 namespace {

@@ -11,7 +11,6 @@ class QPushButton;
 
 namespace zdtui {
 
-
 // The progress of a document's long work at the foot of its window: what runs, how far
 // it is, and Cancel. Hidden while nothing runs; the list above stays usable.
 class OperationStrip final : public QWidget {

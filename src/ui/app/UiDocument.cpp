@@ -2,6 +2,8 @@
 
 #include "app/BackgroundOperation.h"
 
+#include <QPointer>
+
 namespace zdtui {
 
 UiDocument::UiDocument() = default;
@@ -59,9 +61,13 @@ void UiDocument::operationFinished() {
     const OperationFinish finish = std::move(m_finish);
     m_finish = nullptr;
     m_update = nullptr;
+    // The finish step may end the document itself: a read that failed takes its window,
+    // and the document with it, away.
+    const QPointer<UiDocument> alive(this);
     if (finish)
         finish(outcome);
-    Q_EMIT busyChanged(isBusy());
+    if (alive != nullptr)
+        Q_EMIT busyChanged(isBusy());
 }
 
 void UiDocument::cancelOperation() {

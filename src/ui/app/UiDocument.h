@@ -16,7 +16,6 @@ class QWidget;
 
 namespace zdtui {
 
-
 // The status operations of the main frame that views and documents call.
 class StatusSink {
 public:

@@ -2,6 +2,7 @@
 
 #include "app/Boxes.h"
 #include "app/BrandEdition.h"
+#include "app/WaitCursor.h"
 #include "classic/CAnalyzerDoc.h"
 #include "classic/CFindDlg.h"
 #include "classic/ClassicDocument.h"
@@ -10,7 +11,6 @@
 #include "classic/ClassicReport.h"
 #include "classic/ClassicViewLayout.h"
 #include "classic/SbtExportDialog.h"
-#include "app/WaitCursor.h"
 
 #include <QAction>
 #include <QApplication>
@@ -256,6 +256,8 @@ void CAnaView::onFind() {
 }
 
 void CAnaView::runSearch(const ClassicFindCriteria& criteria, bool hasCriteria, bool markAll) {
+    if (m_document.isBusy())
+        return;
     if (!hasCriteria) {
         // Nothing to look for: the dialog's OK only clears the results (and the marks).
         ApplyClassicFindResults(doc(), {}, markAll);

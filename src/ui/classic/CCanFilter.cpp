@@ -17,7 +17,9 @@
 namespace zdtui {
 namespace {
 
-QString FromStd(const std::string& text) { return QString::fromStdString(text); }
+QString FromStd(const std::string& text) {
+    return QString::fromStdString(text);
+}
 
 } // namespace
 
@@ -93,7 +95,9 @@ void CCanFilter::showState() {
     m_removeButton->setEnabled(entries);
 }
 
-std::string CCanFilter::filterPath(const std::string& name) const { return m_filterDir.toStdString() + name; }
+std::string CCanFilter::filterPath(const std::string& name) const {
+    return m_filterDir.toStdString() + name;
+}
 
 void CCanFilter::activateClicked() {
     ToggleCanFilterActivate(m_state);

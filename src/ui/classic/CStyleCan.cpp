@@ -31,10 +31,16 @@ CStyleCan::CStyleCan(QWidget* parent, TimeMode mode, bool relativeChannelDisable
 
 void CStyleCan::setMode(TimeMode mode) {
     switch (mode) {
-    case TimeMode::Absolute: m_absolute->setChecked(true); break;
-    case TimeMode::RelativeChannel: m_relativeChannel->setChecked(true); break;
+    case TimeMode::Absolute:
+        m_absolute->setChecked(true);
+        break;
+    case TimeMode::RelativeChannel:
+        m_relativeChannel->setChecked(true);
+        break;
     case TimeMode::Relative:
-    case TimeMode::InterByte: m_relative->setChecked(true); break;
+    case TimeMode::InterByte:
+        m_relative->setChecked(true);
+        break;
     }
 }
 

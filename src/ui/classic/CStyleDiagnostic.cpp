@@ -55,10 +55,16 @@ QGroupBox* CStyleDiagnostic::buildTimestampGroup(TimeMode mode) {
     m_relative = AddRadio(group, tr("&Relative"));
     m_interByte = AddRadio(group, tr("Inter&byte"));
     switch (mode) {
-    case TimeMode::Absolute: m_absolute->setChecked(true); break;
-    case TimeMode::InterByte: m_interByte->setChecked(true); break;
+    case TimeMode::Absolute:
+        m_absolute->setChecked(true);
+        break;
+    case TimeMode::InterByte:
+        m_interByte->setChecked(true);
+        break;
     case TimeMode::Relative:
-    case TimeMode::RelativeChannel: m_relative->setChecked(true); break;
+    case TimeMode::RelativeChannel:
+        m_relative->setChecked(true);
+        break;
     }
     for (QRadioButton* radio : {m_absolute, m_relative, m_interByte})
         connect(radio, &QRadioButton::toggled, this, &CStyleDiagnostic::showByteTimeEnabled);
@@ -102,7 +108,9 @@ QGroupBox* CStyleDiagnostic::buildByteTimeGroup() {
     return m_byteTimeGroup;
 }
 
-void CStyleDiagnostic::showByteTimeEnabled() { m_byteTimeGroup->setEnabled(m_interByte->isChecked()); }
+void CStyleDiagnostic::showByteTimeEnabled() {
+    m_byteTimeGroup->setEnabled(m_interByte->isChecked());
+}
 
 TimeMode CStyleDiagnostic::mode() const {
     if (m_absolute->isChecked())
@@ -125,8 +133,8 @@ void CStyleDiagnostic::accept() {
         const std::optional<std::uint32_t> byteTime = KLineByteTime(m_settings);
         if (!byteTime) {
             const zdt::UserMessage message = BaudrateZeroMessage();
-            Boxes::instance().show(this, QString::fromStdString(message.title),
-                                   QString::fromStdString(message.text), ToQtIcon(message.icon));
+            Boxes::instance().show(this, QString::fromStdString(message.title), QString::fromStdString(message.text),
+                                   ToQtIcon(message.icon));
             m_baudrateEdit->setFocus();
             return;
         }

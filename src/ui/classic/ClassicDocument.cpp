@@ -1,7 +1,7 @@
 #include "classic/ClassicDocument.h"
 
-#include "app/BrandEdition.h"
 #include "app/Boxes.h"
+#include "app/BrandEdition.h"
 #include "app/WaitCursor.h"
 #include "classic/CAnaView.h"
 #include "classic/CSettingsInfo.h"

@@ -121,7 +121,9 @@ void FltEditorDialog::setFileName(const QString& name) {
         m_nameEdit->setText(name);
 }
 
-void FltEditorDialog::setStopFilter(bool stop) { (stop ? m_stopButton : m_passButton)->setChecked(true); }
+void FltEditorDialog::setStopFilter(bool stop) {
+    (stop ? m_stopButton : m_passButton)->setChecked(true);
+}
 
 void FltEditorDialog::addTypedIdentifier() {
     if (addIdentifier(m_identifierEdit->text(), m_extendedBox->isChecked()))
@@ -185,8 +187,8 @@ void FltEditorDialog::accept() {
     }
     const QString path = QDir(m_directory).filePath(QString::fromStdString(*name));
     if (QFileInfo::exists(path)) {
-        if (!Boxes::instance().askYesNo(this, QString::fromLatin1(kNewTitle), QString::fromStdString(kCanFilterOverwriteText),
-                                        QMessageBox::Question))
+        if (!Boxes::instance().askYesNo(this, QString::fromLatin1(kNewTitle),
+                                        QString::fromStdString(kCanFilterOverwriteText), QMessageBox::Question))
             return;
         // A new filter starts from an empty file, not from what the old one held.
         RemoveFilterFile(path.toStdString());

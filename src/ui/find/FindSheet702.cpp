@@ -72,16 +72,17 @@ void FindSheet702::buildPages() {
              {"Minimum Timestamp:", &response.minTime},
              {"Maximum Timestamp:", &response.maxTime}});
     auto& primitive = c.primitiveSection;
-    addPage(Criteria::PrimitivePage, "Start Stop Diagcom Primitive", primitive,
-            {{"Logical Link:", &primitive.link},
-             {"Location:", &primitive.location},
-             {"Parent:", &primitive.parent},
-             {"Name:", &primitive.name},
-             {"Primitive Type:", &primitive.primitiveType},
-             {"Id:", &primitive.id},
-             {"Minimum Timestamp:", &primitive.minTime},
-             {"Maximum Timestamp:", &primitive.maxTime}},
-            {{"Start", &primitive.start}, {"Finish", &primitive.finish}, {"Start or Finish", &primitive.startOrFinish}});
+    addPage(
+        Criteria::PrimitivePage, "Start Stop Diagcom Primitive", primitive,
+        {{"Logical Link:", &primitive.link},
+         {"Location:", &primitive.location},
+         {"Parent:", &primitive.parent},
+         {"Name:", &primitive.name},
+         {"Primitive Type:", &primitive.primitiveType},
+         {"Id:", &primitive.id},
+         {"Minimum Timestamp:", &primitive.minTime},
+         {"Maximum Timestamp:", &primitive.maxTime}},
+        {{"Start", &primitive.start}, {"Finish", &primitive.finish}, {"Start or Finish", &primitive.startOrFinish}});
     auto& result = c.resultSection;
     addPage(Criteria::ResultPage, "Result", result,
             {{"Diagcom Primitive Type:", &result.primitiveType},

@@ -29,9 +29,17 @@ SnpSessionInfoDialog::SnpSessionInfoDialog(const Information& information, QWidg
     layout->addWidget(buttons);
 }
 
-QString SnpSessionInfoDialog::fileNameText() const { return m_fileName->text(); }
-QString SnpSessionInfoDialog::dateText() const { return m_date->text(); }
-QString SnpSessionInfoDialog::timeText() const { return m_time->text(); }
-QString SnpSessionInfoDialog::authorText() const { return m_author->text(); }
+QString SnpSessionInfoDialog::fileNameText() const {
+    return m_fileName->text();
+}
+QString SnpSessionInfoDialog::dateText() const {
+    return m_date->text();
+}
+QString SnpSessionInfoDialog::timeText() const {
+    return m_time->text();
+}
+QString SnpSessionInfoDialog::authorText() const {
+    return m_author->text();
+}
 
-}  // namespace zdtui
+} // namespace zdtui

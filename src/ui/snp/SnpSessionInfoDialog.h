@@ -27,4 +27,4 @@ private:
     QLabel* m_author;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

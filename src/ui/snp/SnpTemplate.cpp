@@ -8,4 +8,4 @@ std::unique_ptr<UiDocument> SnpTemplate::createDocument() {
     return std::make_unique<SnpUiDocument>();
 }
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -11,4 +11,4 @@ public:
     std::unique_ptr<UiDocument> createDocument() override;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -35,17 +35,19 @@ void SnpUiDocument::onFind(QWidget* parent) {
 }
 
 void SnpUiDocument::runFind(QWidget* parent, const ZDTAnalyzer::SnpFindCriteria& criteria) {
-    runSearch(parent, [this, &criteria](zdt::MessageSink* messages, zdt::ProgressSink& progress) {
+    // By value: the search runs on after the caller returned.
+    runSearch(parent, [this, criteria](zdt::MessageSink* messages, zdt::ProgressSink& progress) {
         snpDoc()->find(criteria, messages, &progress);
     });
 }
 
 void SnpUiDocument::onSessionInformation(QWidget* parent) {
     BoxMessageSink boxes(parent);
-    snpDoc()->showSessionInformation(&boxes, [parent](const ZDTAnalyzer::SnpDoc::SessionInformationDialog& information) {
-        SnpSessionInfoDialog dialog(information, parent);
-        dialog.exec();
-    });
+    snpDoc()->showSessionInformation(&boxes,
+                                     [parent](const ZDTAnalyzer::SnpDoc::SessionInformationDialog& information) {
+                                         SnpSessionInfoDialog dialog(information, parent);
+                                         dialog.exec();
+                                     });
 }
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -31,4 +31,4 @@ private:
     ZDTAnalyzer::SnpFindCriteria m_findCriteria;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -26,8 +26,12 @@ void SnpView::enterFamilyCommands() {
 }
 
 std::vector<std::pair<QString, int>> SnpView::insertColumns() {
-    return {{QString(), 40},          {QStringLiteral("Line"), 40},  {QStringLiteral("Event"), 80},
-            {QStringLiteral("Description"), 160}, {QStringLiteral("Name"), 160}, {QStringLiteral("Value"), 160},
+    return {{QString(), 40},
+            {QStringLiteral("Line"), 40},
+            {QStringLiteral("Event"), 80},
+            {QStringLiteral("Description"), 160},
+            {QStringLiteral("Name"), 160},
+            {QStringLiteral("Value"), 160},
             {QStringLiteral("Unit"), 160}};
 }
 
@@ -79,4 +83,4 @@ void SnpView::executeContextMenuCommand(int id) {
     }
 }
 
-}  // namespace zdtui
+} // namespace zdtui

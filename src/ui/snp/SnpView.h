@@ -30,4 +30,4 @@ protected:
     void loadContextMenu(QMenu& menu) override;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -6,9 +6,8 @@ namespace zdtui {
 
 AdornedItemDelegate::AdornedItemDelegate(AdornedListView& view) : QStyledItemDelegate(&view), m_view(view) {}
 
-void AdornedItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
-                                const QModelIndex& index) const {
+void AdornedItemDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const {
     m_view.drawCell(painter, option, index);
 }
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -17,4 +17,4 @@ private:
     AdornedListView& m_view;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

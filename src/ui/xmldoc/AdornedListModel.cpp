@@ -45,4 +45,4 @@ void AdornedListModel::setRowCountTo(int rows) {
     endRemoveRows();
 }
 
-}  // namespace zdtui
+} // namespace zdtui

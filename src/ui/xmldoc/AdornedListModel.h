@@ -30,4 +30,4 @@ private:
     int m_rows = 0;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -3,8 +3,8 @@
 #include "app/Boxes.h"
 #include "xmldoc/AdornedItemDelegate.h"
 #include "xmldoc/AdornedListModel.h"
-#include "xmldoc/SaveAsName.h"
 #include "xmldoc/BaseDoc.h"
+#include "xmldoc/SaveAsName.h"
 
 #include <QAction>
 #include <QContextMenuEvent>
@@ -23,7 +23,7 @@ std::string LocalPath(const QString& path) {
     return QFile::encodeName(path).toStdString();
 }
 
-}  // namespace
+} // namespace
 
 AdornedListView::AdornedListView(ZDTAnalyzer::BaseDoc& document, QWidget* parent)
     : QTableView(parent), m_document(document),
@@ -314,7 +314,8 @@ std::optional<AdornedListView::SaveAsChoice> AdornedListView::chooseSaveAsName(c
         return m_saveAsChooser(this, proposedName);
     QStringList filters;
     for (const SaveAsFilter& filter : SaveAsFilters)
-        filters << QStringLiteral("%1 (%2)").arg(QString::fromUtf8(filter.description), QString::fromUtf8(filter.pattern));
+        filters << QStringLiteral("%1 (%2)").arg(QString::fromUtf8(filter.description),
+                                                 QString::fromUtf8(filter.pattern));
     QFileDialog dialog(this, QString::fromUtf8(SaveAsTitle), proposedName);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
@@ -326,11 +327,20 @@ std::optional<AdornedListView::SaveAsChoice> AdornedListView::chooseSaveAsName(c
 
 void AdornedListView::exportTo(int filterIndex, const std::string& input, const std::string& output) {
     switch (filterIndex) {
-    case 1: m_conversion.toHtml(input, output); break;
-    case 2: m_conversion.toRtf(input, output); break;
-    case 3: m_conversion.toPdf(input, output); break;
-    case 4: m_conversion.toCsv(input, output); break;
-    default: break;
+    case 1:
+        m_conversion.toHtml(input, output);
+        break;
+    case 2:
+        m_conversion.toRtf(input, output);
+        break;
+    case 3:
+        m_conversion.toPdf(input, output);
+        break;
+    case 4:
+        m_conversion.toCsv(input, output);
+        break;
+    default:
+        break;
     }
 }
 
@@ -381,4 +391,4 @@ void AdornedListView::onPrintPreview() {
     }
 }
 
-}  // namespace zdtui
+} // namespace zdtui

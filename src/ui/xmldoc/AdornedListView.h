@@ -67,7 +67,7 @@ public:
 
     struct SaveAsChoice {
         QString fileName;
-        int filterIndex = 1;  // 1 to 4, as the filters stand
+        int filterIndex = 1; // 1 to 4, as the filters stand
     };
     // Asks for the export's name; nothing means the user gave up.
     using SaveAsChooser = std::function<std::optional<SaveAsChoice>(QWidget* parent, const QString& proposedName)>;
@@ -185,4 +185,4 @@ private:
     bool m_drawFailurePending = false;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -21,4 +21,4 @@ public:
     virtual void toCsv(const std::string& inputPath, const std::string& outputPath) = 0;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

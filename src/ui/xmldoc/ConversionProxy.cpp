@@ -24,4 +24,4 @@ void ConversionProxy::toCsv(const std::string& inputPath, const std::string& out
     target().toCsv(inputPath, outputPath);
 }
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -23,4 +23,4 @@ private:
     Conversion* m_target = nullptr;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -18,4 +18,4 @@ public:
     virtual void printPreview(const std::string& pathName) = 0;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -14,4 +14,4 @@ void PrintPrintPreviewProxy::printPreview(const std::string& pathName) {
     m_target->printPreview(pathName);
 }
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -20,4 +20,4 @@ private:
     PrintPrintPreview* m_target = nullptr;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -61,8 +61,7 @@ void XmlListView::enterCommands() {
     addCommand(FindId, [this] { m_uiDocument.onFind(this); });
     addCommand(m_family.sessionInformationId, [this] { m_uiDocument.onSessionInformation(this); });
     addCommand(BookmarkListId, [this] { m_uiDocument.onBookmarkList(this); });
-    addUpdateCommand(BookmarkListId,
-                     [this](QAction& action) { action.setEnabled(document().canShowBookmarkList()); });
+    addUpdateCommand(BookmarkListId, [this](QAction& action) { action.setEnabled(document().canShowBookmarkList()); });
 }
 
 void XmlListView::enterMarkCommands() {
@@ -152,25 +151,40 @@ void XmlListView::toggleBookmarkWithDialog() {
 
 QAction* XmlListView::commandAction(ViewCommand command) {
     switch (command) {
-    case ViewCommand::Print: return commandActionById(PrintId);
-    case ViewCommand::PrintPreview: return commandActionById(PrintPreviewId);
-    case ViewCommand::SaveAs: return commandActionById(SaveAsId);
-    case ViewCommand::SessionInfo: return commandActionById(m_family.sessionInformationId);
-    case ViewCommand::Find: return commandActionById(FindId);
-    case ViewCommand::FindNext: return commandActionById(FindNextId);
-    case ViewCommand::FindPrevious: return commandActionById(FindPreviousId);
-    case ViewCommand::ToggleBookmark: return commandActionById(ToggleBookmarkId);
-    case ViewCommand::ToggleNamedBookmark: return commandActionById(ToggleBookmarkDialogId);
-    case ViewCommand::NextBookmark: return commandActionById(NextBookmarkId);
-    case ViewCommand::PreviousBookmark: return commandActionById(PreviousBookmarkId);
-    case ViewCommand::ClearBookmarks: return commandActionById(ClearBookmarksId);
-    case ViewCommand::BookmarkList: return commandActionById(BookmarkListId);
+    case ViewCommand::Print:
+        return commandActionById(PrintId);
+    case ViewCommand::PrintPreview:
+        return commandActionById(PrintPreviewId);
+    case ViewCommand::SaveAs:
+        return commandActionById(SaveAsId);
+    case ViewCommand::SessionInfo:
+        return commandActionById(m_family.sessionInformationId);
+    case ViewCommand::Find:
+        return commandActionById(FindId);
+    case ViewCommand::FindNext:
+        return commandActionById(FindNextId);
+    case ViewCommand::FindPrevious:
+        return commandActionById(FindPreviousId);
+    case ViewCommand::ToggleBookmark:
+        return commandActionById(ToggleBookmarkId);
+    case ViewCommand::ToggleNamedBookmark:
+        return commandActionById(ToggleBookmarkDialogId);
+    case ViewCommand::NextBookmark:
+        return commandActionById(NextBookmarkId);
+    case ViewCommand::PreviousBookmark:
+        return commandActionById(PreviousBookmarkId);
+    case ViewCommand::ClearBookmarks:
+        return commandActionById(ClearBookmarksId);
+    case ViewCommand::BookmarkList:
+        return commandActionById(BookmarkListId);
     // A family without a filter routine leaves this action disabled. The tool bar's filter
     // button carries the classic command; it runs the family's filter, so that button and
     // menu item are one action and cannot disagree about being enabled.
     case ViewCommand::CanFilter:
-    case ViewCommand::Filter: return commandActionById(m_family.filterId);
-    default: return nullptr;
+    case ViewCommand::Filter:
+        return commandActionById(m_family.filterId);
+    default:
+        return nullptr;
     }
 }
 
@@ -186,4 +200,4 @@ void XmlListView::activateView() {
     m_uiDocument.refreshStatus();
 }
 
-}  // namespace zdtui
+} // namespace zdtui

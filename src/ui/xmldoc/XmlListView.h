@@ -20,7 +20,8 @@ public:
     static constexpr int BookmarkListId = 32791;
     static constexpr const char* AutobookmarkText = "Autobookmark";
     // Both families show this sentence, word for word.
-    static constexpr const char* InitialUpdateFailedText = "Fatal error while processing snp view initial update event.";
+    static constexpr const char* InitialUpdateFailedText =
+        "Fatal error while processing snp view initial update event.";
 
     // The ids and texts by which the families differ.
     struct Family {
@@ -77,4 +78,4 @@ private:
     bool m_initialised = false;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -17,7 +17,7 @@ std::string LocalPath(const QString& path) {
     return QFile::encodeName(path).toStdString();
 }
 
-}  // namespace
+} // namespace
 
 XmlUiDocument::XmlUiDocument(std::unique_ptr<ZDTAnalyzer::BaseDoc> doc, QString swapDirectory)
     : m_doc(std::move(doc)), m_swapDirectory(std::move(swapDirectory)) {
@@ -120,4 +120,4 @@ void XmlUiDocument::onBookmarkList(QWidget* parent) {
         RunBookmarkList(parent, *m_doc, pathName());
 }
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -78,4 +78,4 @@ private:
     QPointer<XmlListView> m_view;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

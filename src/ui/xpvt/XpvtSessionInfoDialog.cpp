@@ -13,7 +13,7 @@ using Description = ZDTAnalyzer::XpvtDoc::Description;
 using Field = XpvtSessionInfoDialog::Field;
 
 struct FieldRow {
-    const char* heading;  // a line of its own above the row, or null
+    const char* heading; // a line of its own above the row, or null
     const char* label;
     const std::string Description::*value;
 };
@@ -34,7 +34,7 @@ const FieldRow Rows[] = {
 };
 static_assert(std::size(Rows) == static_cast<std::size_t>(Field::Count));
 
-}  // namespace
+} // namespace
 
 XpvtSessionInfoDialog::XpvtSessionInfoDialog(const Description& description, QWidget* parent) : QDialog(parent) {
     setWindowTitle(QStringLiteral("Session Information"));
@@ -76,4 +76,4 @@ QString XpvtSessionInfoDialog::fieldHeading(Field field) const {
     return heading == nullptr ? QString() : heading->text();
 }
 
-}  // namespace zdtui
+} // namespace zdtui

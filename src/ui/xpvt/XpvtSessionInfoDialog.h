@@ -16,8 +16,19 @@ class XpvtSessionInfoDialog final : public QDialog {
     Q_OBJECT
 public:
     // The boxes of the dialog, in the order they stand.
-    enum class Field { Title, Schema, ProductVersion, Date, Time, Author, Comment, Project, VehicleInformationTable,
-                       LogicalLink, Count };
+    enum class Field {
+        Title,
+        Schema,
+        ProductVersion,
+        Date,
+        Time,
+        Author,
+        Comment,
+        Project,
+        VehicleInformationTable,
+        LogicalLink,
+        Count
+    };
 
     explicit XpvtSessionInfoDialog(const ZDTAnalyzer::XpvtDoc::Description& description, QWidget* parent = nullptr);
 
@@ -34,4 +45,4 @@ private:
     std::array<QLabel*, FieldCount> m_headings{};
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -8,4 +8,4 @@ std::unique_ptr<UiDocument> XpvtTemplate::createDocument() {
     return std::make_unique<XpvtUiDocument>();
 }
 
-}  // namespace zdtui
+} // namespace zdtui

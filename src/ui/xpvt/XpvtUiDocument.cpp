@@ -32,16 +32,15 @@ void XpvtUiDocument::onFind(QWidget* parent) {
     if (isBusy())
         return;
     ZDTAnalyzer::XpvtDoc& doc = xpvtDoc();
-    const bool search = doc.is702() ? runFindSheet702(parent, doc.findCriteria702())
-                                    : runFindSheet701(parent, doc.findCriteria701());
+    const bool search =
+        doc.is702() ? runFindSheet702(parent, doc.findCriteria702()) : runFindSheet701(parent, doc.findCriteria701());
     if (search)
         runFind(parent);
 }
 
 void XpvtUiDocument::runFind(QWidget* parent) {
-    runSearch(parent, [this](zdt::MessageSink* messages, zdt::ProgressSink& progress) {
-        xpvtDoc().find(messages, &progress);
-    });
+    runSearch(parent,
+              [this](zdt::MessageSink* messages, zdt::ProgressSink& progress) { xpvtDoc().find(messages, &progress); });
 }
 
 void XpvtUiDocument::onSessionInformation(QWidget* parent) {
@@ -56,4 +55,4 @@ void XpvtUiDocument::onFilter(QWidget* parent) {
     xpvtDoc().filter(&boxes);
 }
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -30,4 +30,4 @@ protected:
     XmlListView* makeView(QWidget* parent) override;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

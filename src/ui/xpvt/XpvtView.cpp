@@ -18,8 +18,8 @@ using ZDTAnalyzer::XpvtDoc;
 
 struct ColumnItem {
     int id;
-    const char* contextLabel;  // the context menu's item
-    const char* mainLabel;     // the item of "&Columns" in the main menu
+    const char* contextLabel; // the context menu's item
+    const char* mainLabel;    // the item of "&Columns" in the main menu
     int column;
 };
 
@@ -47,20 +47,20 @@ const ColumnItem Items702[] = {
 
 // Every id either schema uses, so that the command table can be entered before the
 // schema is known.
-const int AllItemIds[] = {XpvtView::EventItemId,       XpvtView::LogicalLinkItemId, XpvtView::CanIdItemId,
-                          XpvtView::AbsTimeItemId,     XpvtView::LocationItemId,    XpvtView::IdItemId,
-                          XpvtView::TimeItemId,        XpvtView::DescriptionItemId, XpvtView::ValueItemId,
-                          XpvtView::UnitItemId,        XpvtView::RangeInfoItemId};
+const int AllItemIds[] = {XpvtView::EventItemId,   XpvtView::LogicalLinkItemId, XpvtView::CanIdItemId,
+                          XpvtView::AbsTimeItemId, XpvtView::LocationItemId,    XpvtView::IdItemId,
+                          XpvtView::TimeItemId,    XpvtView::DescriptionItemId, XpvtView::ValueItemId,
+                          XpvtView::UnitItemId,    XpvtView::RangeInfoItemId};
 
 std::span<const ColumnItem> ItemsOf(bool schema702) {
     return schema702 ? std::span<const ColumnItem>(Items702) : std::span<const ColumnItem>(Items701);
 }
 
-const char* const Titles701[] = {"", "Line", "Event", "LogicalLink", "CANID[hex]", "Abs.Time[ms]",
-                                 "Description", "Value", "RangeInfo"};
+const char* const Titles701[] = {
+    "", "Line", "Event", "LogicalLink", "CANID[hex]", "Abs.Time[ms]", "Description", "Value", "RangeInfo"};
 const int Widths701[] = {35, 40, 80, 160, 50, 50, 200, 200, 120};
-const char* const Titles702[] = {"", "Line", "Event", "LogicalLink", "Location", "ID", "Time",
-                                 "Description", "Value", "Unit", "RangeInfo"};
+const char* const Titles702[] = {"",     "Line",        "Event", "LogicalLink", "Location", "ID",
+                                 "Time", "Description", "Value", "Unit",        "RangeInfo"};
 
 // Names the view that filled a "&Columns" popup last.
 const char* const ColumnsOwnerProperty = "xpvtColumnsOwner";
@@ -75,11 +75,10 @@ std::string StoredColumnSettings() {
     return text.toStdString();
 }
 
-}  // namespace
+} // namespace
 
 XpvtView::XpvtView(XpvtUiDocument& document, QWidget* parent)
-    : XmlListView(document,
-                  Family{MenuResourceId, SessionInformationId, DocumentFilterId, XpvtDoc::NoRowSelectedText},
+    : XmlListView(document, Family{MenuResourceId, SessionInformationId, DocumentFilterId, XpvtDoc::NoRowSelectedText},
                   parent),
       m_uiDocument(document) {}
 
@@ -223,4 +222,4 @@ void XpvtView::fillColumnsMenu(QMenu* columns) {
     updateCommands();
 }
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -76,4 +76,4 @@ private:
     bool m_laidOutFor702 = false;
 };
 
-}  // namespace zdtui
+} // namespace zdtui

@@ -8,8 +8,7 @@
 
 using namespace zdt;
 
-TEST(BrandEdition, NameDecidesWithPartnerMarkFirst)
-{
+TEST(BrandEdition, NameDecidesWithPartnerMarkFirst) {
     EXPECT_EQ(BrandEditionFromName(""), BrandEditionStandard);
     EXPECT_EQ(BrandEditionFromName("Standard"), BrandEditionStandard);
     EXPECT_EQ(BrandEditionFromName("ELAS"), BrandEditionPartner);
@@ -21,14 +20,13 @@ TEST(BrandEdition, NameDecidesWithPartnerMarkFirst)
     EXPECT_EQ(BrandEditionFromName("NWA G"), BrandEditionStandard);
 }
 
-TEST(BrandEdition, EachEditionSelectsItsTitlesAndResources)
-{
-    using Summary = std::tuple<std::string_view, int, int, bool, std::string_view, std::string_view,
-                               std::string_view, int>;
+TEST(BrandEdition, EachEditionSelectsItsTitlesAndResources) {
+    using Summary =
+        std::tuple<std::string_view, int, int, bool, std::string_view, std::string_view, std::string_view, int>;
     const auto summary = [](int edition) {
         const EditionInfo& i = EditionInfoFor(edition);
-        return Summary(i.applicationTitle, i.mainFrameId, i.classicTemplateId, i.partnerAboutBox,
-                       i.aboutTitle, i.aboutName, i.aboutExtraLine, i.aboutIconId);
+        return Summary(i.applicationTitle, i.mainFrameId, i.classicTemplateId, i.partnerAboutBox, i.aboutTitle,
+                       i.aboutName, i.aboutExtraLine, i.aboutIconId);
     };
     EXPECT_EQ(summary(BrandEditionStandard),
               Summary("ZDT-Analyzer", 128, 142, false, "About ZDT-Analyzer", "ZDT-Analyzer", "", 128));
@@ -42,8 +40,7 @@ TEST(BrandEdition, EachEditionSelectsItsTitlesAndResources)
 }
 
 // Runs in a fresh process, since the edition is cached for the whole run.
-TEST(BrandEditionDeathTest, ReadsTheEnvironmentOnceAndKeepsTheEdition)
-{
+TEST(BrandEditionDeathTest, ReadsTheEnvironmentOnceAndKeepsTheEdition) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {

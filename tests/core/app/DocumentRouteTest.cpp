@@ -6,23 +6,19 @@ using zdt::DocumentFamily;
 using zdt::FamilyForPath;
 using zdt::IsRoutablePath;
 
-TEST(DocumentRoute, AcceptsEveryTraceExtensionInAnyCase)
-{
-    for (const char* path : {"/t/a.xpvt", "/t/a.trc", "/t/a.trc1", "/t/a.trc2", "/t/a.tr0", "/t/a.crc",
-                             "/t/a.trx", "/t/a.snp", "/t/A.TRC", "/t/a.trX", "/t/a.Xpvt", "rel.SNP",
-                             "/t/a.b.c.trc"})
+TEST(DocumentRoute, AcceptsEveryTraceExtensionInAnyCase) {
+    for (const char* path : {"/t/a.xpvt", "/t/a.trc", "/t/a.trc1", "/t/a.trc2", "/t/a.tr0", "/t/a.crc", "/t/a.trx",
+                             "/t/a.snp", "/t/A.TRC", "/t/a.trX", "/t/a.Xpvt", "rel.SNP", "/t/a.b.c.trc"})
         EXPECT_TRUE(IsRoutablePath(path)) << path;
 }
 
-TEST(DocumentRoute, RejectsOtherExtensionsAndATrailingDot)
-{
-    for (const char* path : {"/t/a.trc3", "/t/a.txt", "/t/a.tr", "/t/a.", "/t/a.trc.", "/t/a.trc ",
-                             "/t/a.xpvt.bak", ".", ""})
+TEST(DocumentRoute, RejectsOtherExtensionsAndATrailingDot) {
+    for (const char* path :
+         {"/t/a.trc3", "/t/a.txt", "/t/a.tr", "/t/a.", "/t/a.trc.", "/t/a.trc ", "/t/a.xpvt.bak", ".", ""})
         EXPECT_FALSE(IsRoutablePath(path)) << path;
 }
 
-TEST(DocumentRoute, LastDotOfTheWholePathDecides)
-{
+TEST(DocumentRoute, LastDotOfTheWholePathDecides) {
     // A dot in a directory name takes the rest of the path as its "extension".
     EXPECT_FALSE(IsRoutablePath("/data.d/trace"));
     EXPECT_FALSE(IsRoutablePath("/data.d/trace.log/x"));
@@ -34,8 +30,7 @@ TEST(DocumentRoute, LastDotOfTheWholePathDecides)
     EXPECT_FALSE(IsRoutablePath("tracefile"));
 }
 
-TEST(DocumentRoute, FamilyFollowsTheFileNameExtensionOnly)
-{
+TEST(DocumentRoute, FamilyFollowsTheFileNameExtensionOnly) {
     EXPECT_EQ(FamilyForPath("/t/a.xpvt"), DocumentFamily::Xpvt);
     EXPECT_EQ(FamilyForPath("/t/a.XPVT"), DocumentFamily::Xpvt);
     EXPECT_EQ(FamilyForPath("/t/a.snp"), DocumentFamily::Snp);
@@ -49,8 +44,7 @@ TEST(DocumentRoute, FamilyFollowsTheFileNameExtensionOnly)
     EXPECT_EQ(FamilyForPath("/t/unknown.bin"), DocumentFamily::Classic);
 }
 
-TEST(DocumentRoute, DialogWithOneUnknownOfThreeOpensTwoCascadesAndWarnsOnce)
-{
+TEST(DocumentRoute, DialogWithOneUnknownOfThreeOpensTwoCascadesAndWarnsOnce) {
     const auto selection = zdt::SelectFromFileDialog({"/t/one.trc", "/t/notes.txt", "/t/two.XPVT"});
 
     EXPECT_EQ(selection.accepted, (std::vector<std::string>{"/t/one.trc", "/t/two.XPVT"}));
@@ -64,8 +58,7 @@ TEST(DocumentRoute, DialogWithOneUnknownOfThreeOpensTwoCascadesAndWarnsOnce)
     EXPECT_FALSE(selection.warningOnMainFrame);
 }
 
-TEST(DocumentRoute, OnlyUnknownFilesWarnWithEveryNameAndDoNotCascade)
-{
+TEST(DocumentRoute, OnlyUnknownFilesWarnWithEveryNameAndDoNotCascade) {
     const auto selection = zdt::SelectFromFileDialog({"/t/a.trc3", "/t/b.", "/t/c"});
 
     EXPECT_TRUE(selection.accepted.empty());
@@ -74,8 +67,7 @@ TEST(DocumentRoute, OnlyUnknownFilesWarnWithEveryNameAndDoNotCascade)
     EXPECT_EQ(selection.warning->text, "Can't open:\n/t/a.trc3\n/t/b.\n/t/c");
 }
 
-TEST(DocumentRoute, AllKnownFilesCascadeWithoutWarning)
-{
+TEST(DocumentRoute, AllKnownFilesCascadeWithoutWarning) {
     const auto selection = zdt::SelectFromFileDialog({"/t/a.snp", "/t/b.tr0"});
 
     EXPECT_EQ(selection.accepted.size(), 2u);
@@ -83,8 +75,7 @@ TEST(DocumentRoute, AllKnownFilesCascadeWithoutWarning)
     EXPECT_FALSE(selection.warning.has_value());
 }
 
-TEST(DocumentRoute, DroppedFilesWarnOnTheFrameBeforeCascading)
-{
+TEST(DocumentRoute, DroppedFilesWarnOnTheFrameBeforeCascading) {
     const auto mixed = zdt::SelectDroppedFiles({"/t/x.doc", "/t/a.crc"});
     EXPECT_EQ(mixed.accepted, (std::vector<std::string>{"/t/a.crc"}));
     EXPECT_TRUE(mixed.cascade);

@@ -26,14 +26,14 @@ private:
 
 std::vector<std::uint64_t> VisibleOffsets(CAnalyzerDoc& doc) {
     std::vector<std::uint64_t> offsets;
-    for (std::uint32_t i = 0; i < doc.GetVisibleCount(); ++i)
+    for (zdt::RowIndex i = 0; i < doc.GetVisibleCount(); ++i)
         offsets.push_back(doc.TraceFile()->VisibleOffsets().Get(i));
     return offsets;
 }
 
 std::vector<std::uint32_t> RowTypes(CAnalyzerDoc& doc) {
     std::vector<std::uint32_t> types;
-    for (std::uint32_t i = 0; i < doc.GetVisibleCount(); ++i) {
+    for (zdt::RowIndex i = 0; i < doc.GetVisibleCount(); ++i) {
         std::unique_ptr<CTraceItemI> item(doc.GetItem(i));
         types.push_back(item ? item->GetTypeCode() : 0xFFFFFFFF);
     }

@@ -1,5 +1,5 @@
-#include "classic/CAnalyzerDoc.h"
 #include "classic/ClassicReport.h"
+#include "classic/CAnalyzerDoc.h"
 #include "support/ClassicTraces.h"
 
 #include <gtest/gtest.h>
@@ -25,9 +25,9 @@ TEST(ClassicReport, DiagnosticTracePadsEveryColumn) {
     const std::string expected =
         kStandardHead +
         // alarm mark, time in 13 + 3, channel and identifier absent (2 + 2), data in 31, type word, line feed
-        " " + "        4,096   " + "  " + "  " + "83" + std::string(29, ' ') + "K line byte sent" + "\n" +
-        "A" + "       12,288   " + "  " + "  " + "F1" + std::string(29, ' ') + "K line byte received" + "\n" +
-        "A" + "       10,000   " + "  " + "  " + "Received corrupted byte" + std::string(8, ' ') + "\n";
+        " " + "        4,096   " + "  " + "  " + "83" + std::string(29, ' ') + "K line byte sent" + "\n" + "A" +
+        "       12,288   " + "  " + "  " + "F1" + std::string(29, ' ') + "K line byte received" + "\n" + "A" +
+        "       10,000   " + "  " + "  " + "Received corrupted byte" + std::string(8, ' ') + "\n";
     EXPECT_EQ(Report(doc, dir), expected);
 }
 
@@ -41,10 +41,10 @@ TEST(ClassicReport, CanTraceUsesChannelDeltasForRelativeChannelTimes) {
     const std::string sp8(8, ' ');
     const std::string expected =
         "Title: CAN Onboard\nProduct Version: 7.1.2\nInterfaceBoard: VCI-4\nDate: 21.11.2026\nTime: 14:05:09\n\n" +
-        sp8 + "1,000   " + " 1  " + "     7E8   " + "01 02 03 04 05 06 07 08" + sp8 + "\n" +
-        sp8 + "1,500   " + " 2  " + "     7E0   " + "AA BB" + std::string(26, ' ') + "\n" +
-        sp8 + "2,000   " + " 1  " + "18DAF110 x " + "10 20 30" + std::string(23, ' ') + "\n" +
-        sp8 + "1,000   " + " 1  " + std::string(11, ' ') + "Bus off       (bus state changed)" + " \n";
+        sp8 + "1,000   " + " 1  " + "     7E8   " + "01 02 03 04 05 06 07 08" + sp8 + "\n" + sp8 + "1,500   " + " 2  " +
+        "     7E0   " + "AA BB" + std::string(26, ' ') + "\n" + sp8 + "2,000   " + " 1  " + "18DAF110 x " + "10 20 30" +
+        std::string(23, ' ') + "\n" + sp8 + "1,000   " + " 1  " + std::string(11, ' ') +
+        "Bus off       (bus state changed)" + " \n";
     EXPECT_EQ(report, expected);
 }
 
@@ -62,8 +62,8 @@ TEST(ClassicReport, HeadsByEditionAndEmptyTraces) {
 TEST(ClassicReport, PcTimeStampsAndSessionInformation) {
     TempDir dir;
     CAnalyzerDoc doc;
-    ASSERT_TRUE(doc.OnOpenDocument(dir.Write(
-        "p.trc", Head("ZDT Trace File", "601") + CrLf({"[TraceData]", "FF07 21/11/2026 14:05:09"}))));
+    ASSERT_TRUE(doc.OnOpenDocument(
+        dir.Write("p.trc", Head("ZDT Trace File", "601") + CrLf({"[TraceData]", "FF07 21/11/2026 14:05:09"}))));
     doc.SetAlarmThreshold(0);
     // A time stamp is an event first: its data column is the event text.
     EXPECT_EQ(Report(doc, dir), kStandardHead + std::string(16, ' ') + "  " + "  " + "[PC Time Stamp]" +

@@ -1,5 +1,5 @@
-#include "classic/CAnalyzerDoc.h"
 #include "classic/ClassicSearch.h"
+#include "classic/CAnalyzerDoc.h"
 #include "support/ClassicTraces.h"
 #include "support/RecordingMessages.h"
 
@@ -107,12 +107,12 @@ TEST(ClassicFindScan, TimeBoundsRoundToHalfAUnit) {
 TEST(ClassicFindScan, DataPatternsRunOverFollowingFrames) {
     TempDir dir;
     CAnalyzerDoc doc;
-    ASSERT_TRUE(doc.OnOpenDocument(dir.Write(
-        "c.trc", Head("CAN Onboard", "601") +
-                     CrLf({"[TraceData]", "5000 01 000007E8 0000001000 0003 10 20 01 00 00 00 00 00",
-                           "5000 01 000007E8 0000001100 0002 02 03 00 00 00 00 00 00",
-                           "4403 01 X 0000001200", "5000 01 000007E8 0000001300 0001 04 00 00 00 00 00 00 00",
-                           "5000 01 000007E0 0000001400 0002 05 06 00 00 00 00 00 00"}))));
+    ASSERT_TRUE(doc.OnOpenDocument(
+        dir.Write("c.trc", Head("CAN Onboard", "601") +
+                               CrLf({"[TraceData]", "5000 01 000007E8 0000001000 0003 10 20 01 00 00 00 00 00",
+                                     "5000 01 000007E8 0000001100 0002 02 03 00 00 00 00 00 00", "4403 01 X 0000001200",
+                                     "5000 01 000007E8 0000001300 0001 04 00 00 00 00 00 00 00",
+                                     "5000 01 000007E0 0000001400 0002 05 06 00 00 00 00 00 00"}))));
     ClassicFindCriteria c;
     c.useData = true;
     c.dataText = "01,02";

@@ -1,5 +1,5 @@
-#include "classic/CAnalyzerDoc.h"
 #include "classic/FltFile.h"
+#include "classic/CAnalyzerDoc.h"
 #include "support/ClassicTraces.h"
 #include "trace/CIniFile.h"
 
@@ -11,7 +11,9 @@ namespace {
 
 using classic_traces::Can601;
 
-std::vector<std::uint32_t> Ids(std::initializer_list<std::uint32_t> ids) { return ids; }
+std::vector<std::uint32_t> Ids(std::initializer_list<std::uint32_t> ids) {
+    return ids;
+}
 
 TEST(FltFile, WritesWhatTheDocumentReadsBack) {
     TempDir dir;

@@ -11,7 +11,7 @@ using namespace classic_traces;
 std::vector<std::string> Times(CAnalyzerDoc& doc) {
     ClassicRowFormatter formatter(doc);
     std::vector<std::string> times;
-    for (std::uint32_t row = 0; row < doc.GetVisibleCount(); ++row)
+    for (zdt::RowIndex row = 0; row < doc.GetVisibleCount(); ++row)
         times.push_back(formatter.Format(row).columns[0]);
     return times;
 }
@@ -69,9 +69,9 @@ TEST(ClassicRows, TimeModesOfAFileOfAbsoluteTimes) {
 TEST(ClassicRows, TimeModesOfAFileOfDeltaTimes) {
     TempDir dir;
     CAnalyzerDoc doc;
-    ASSERT_TRUE(doc.OnOpenDocument(dir.Write(
-        "d.trc", Head("ZDT Trace File", "501") +
-                     CrLf({"[TraceData]", "0003 00000100 0001 83 00", "FF01", "0004 00000200 0001 F1 00"}))));
+    ASSERT_TRUE(doc.OnOpenDocument(
+        dir.Write("d.trc", Head("ZDT Trace File", "501") +
+                               CrLf({"[TraceData]", "0003 00000100 0001 83 00", "FF01", "0004 00000200 0001 F1 00"}))));
     EXPECT_EQ(Times(doc), (Texts{"0,256", " ", "0,512"}));
     doc.SetTimeMode(TimeMode::Absolute);
     EXPECT_EQ(Times(doc), (Texts{"0,000256", " ", "0,000768"}));
@@ -99,9 +99,8 @@ TEST(ClassicRows, PriorityFramesAndZeroChannels) {
     TempDir dir;
     CAnalyzerDoc doc;
     ASSERT_TRUE(doc.OnOpenDocument(dir.Write(
-        "p.trc", Head("ZDT Trace File", "601") +
-                     CrLf({"[TraceData]", "0034 00000100 0007 68 6A F1  3E 01 02 00 00 00",
-                           "5000 00 00000123 0000000300 0001 55 00 00 00 00 00 00 00"}))));
+        "p.trc", Head("ZDT Trace File", "601") + CrLf({"[TraceData]", "0034 00000100 0007 68 6A F1  3E 01 02 00 00 00",
+                                                       "5000 00 00000123 0000000300 0001 55 00 00 00 00 00 00 00"}))));
     ClassicRowFormatter formatter(doc);
     const ClassicRow frame = formatter.Format(0);
     EXPECT_EQ(frame.columns[3], "68");

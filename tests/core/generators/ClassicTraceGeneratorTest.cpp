@@ -527,7 +527,7 @@ TEST(ClassicTraceGeneratorWithReaders, TraceFileReadsTheHeadAndEveryRecordBack) 
 
         const auto lines = RecordLines(trace);
         ASSERT_EQ(file.TotalCount(), lines.size()) << label;
-        for (std::uint32_t i = 0; i < file.TotalCount(); ++i) {
+        for (zdt::RowIndex i = 0; i < file.TotalCount(); ++i) {
             CTraceItemI* item = file.GetItem(i);
             ASSERT_NE(item, nullptr) << label << " " << i;
             EXPECT_EQ(item->GetTypeCode(), TypeOf(lines[i])) << label << " " << lines[i];

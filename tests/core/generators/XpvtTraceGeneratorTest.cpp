@@ -34,8 +34,8 @@ void AddDescription(Pairs& pairs) {
     AddTree(pairs, {
                        {{""}, {"ProcessValueTrace"}},
                        {{"ProcessValueTrace"}, {"Description", "Trace"}},
-                       {{"Description"}, {"Title", "Schema", "ProductVersion", "Date", "Time", "Author", "Comment",
-                                          "Project"}},
+                       {{"Description"},
+                        {"Title", "Schema", "ProductVersion", "Date", "Time", "Author", "Comment", "Project"}},
                        {{"Project"}, {"ShortName", "VehicleInformationTable"}},
                        {{"VehicleInformationTable"}, {"ShortName", "LogicalLink"}},
                    });
@@ -44,56 +44,61 @@ void AddDescription(Pairs& pairs) {
 Pairs Tree701() {
     Pairs pairs;
     AddDescription(pairs);
-    AddTree(pairs, {
-                       {{"LogicalLink"}, {"ShortName", "DatabaseAccessKey"}},
-                       {{"Trace"}, {"ZdtResult", "OpenComPrimitive", "CloseComPrimitive", "OpenLogicalLink",
-                                    "CloseLogicalLink", "StartTrace", "StopTrace"}},
-                       {{"StartTrace", "StopTrace"}, {"Date", "Time"}},
-                       {{"OpenLogicalLink", "CloseLogicalLink"}, {"LogicalLink", "PhysicalInterfaceLink", "Date", "Time"}},
-                       {{"OpenComPrimitive", "CloseComPrimitive"},
-                        {"ShortName", "ID", "Type", "LogicalLink", "PhysicalInterfaceLink", "Date", "Time"}},
-                       {{"ZdtResult"}, {"LogicalLink", "ZdtRequest", "ZdtResponse"}},
-                       {{"ZdtRequest"}, {"ShortName", "PDU", "ZdtRequestParameter"}},
-                       {{"ZdtRequestParameter"}, {"ShortName", "Type", "Unit", "RangeInfo", "ZdtValue", "ZdtError"}},
-                       {{"ZdtResponse"}, {"ShortName", "ECU", "State", "StateInfo", "CANID", "TimeStamp", "PDU",
-                                          "DatabaseAccessKey", "ZdtResponseParameter"}},
-                       {{"ZdtResponseParameter"},
-                        {"ShortName", "Type", "Unit", "RangeInfo", "ZdtValue", "ZdtError", "ZdtResponseParameter"}},
-                       {{"ZdtValue"}, {"Type", "Value", "Radix"}},
-                       {{"RangeInfo"}, {"Type", "Text"}},
-                       {{"ZdtError"}, {"ShortName", "CodeDescription", "Severity", "SeverityInfo"}},
-                   });
+    AddTree(pairs,
+            {
+                {{"LogicalLink"}, {"ShortName", "DatabaseAccessKey"}},
+                {{"Trace"},
+                 {"ZdtResult", "OpenComPrimitive", "CloseComPrimitive", "OpenLogicalLink", "CloseLogicalLink",
+                  "StartTrace", "StopTrace"}},
+                {{"StartTrace", "StopTrace"}, {"Date", "Time"}},
+                {{"OpenLogicalLink", "CloseLogicalLink"}, {"LogicalLink", "PhysicalInterfaceLink", "Date", "Time"}},
+                {{"OpenComPrimitive", "CloseComPrimitive"},
+                 {"ShortName", "ID", "Type", "LogicalLink", "PhysicalInterfaceLink", "Date", "Time"}},
+                {{"ZdtResult"}, {"LogicalLink", "ZdtRequest", "ZdtResponse"}},
+                {{"ZdtRequest"}, {"ShortName", "PDU", "ZdtRequestParameter"}},
+                {{"ZdtRequestParameter"}, {"ShortName", "Type", "Unit", "RangeInfo", "ZdtValue", "ZdtError"}},
+                {{"ZdtResponse"},
+                 {"ShortName", "ECU", "State", "StateInfo", "CANID", "TimeStamp", "PDU", "DatabaseAccessKey",
+                  "ZdtResponseParameter"}},
+                {{"ZdtResponseParameter"},
+                 {"ShortName", "Type", "Unit", "RangeInfo", "ZdtValue", "ZdtError", "ZdtResponseParameter"}},
+                {{"ZdtValue"}, {"Type", "Value", "Radix"}},
+                {{"RangeInfo"}, {"Type", "Text"}},
+                {{"ZdtError"}, {"ShortName", "CodeDescription", "Severity", "SeverityInfo"}},
+            });
     return pairs;
 }
 
 Pairs Tree702() {
     Pairs pairs;
     AddDescription(pairs);
-    AddTree(pairs, {
-                       // The header's link, read by the first tables.
-                       {{"LogicalLink"}, {"ShortName", "DatabaseAccessKey"}},
-                       {{"Trace"}, {"StartTrace", "StopTrace", "OpenLogicalLink", "CloseLogicalLink",
-                                    "StartDiagComPrimitive", "FinishDiagComPrimitive", "Result", "VariantSelected",
-                                    "VariantDetected"}},
-                       {{"StartTrace"}, {"PhysicalInterfaceLink", "PhysicalVehicleLink"}},
-                       {{"OpenLogicalLink", "CloseLogicalLink"}, {"TimeStamp", "LogicalLink", "AccessKeyOfLocation"}},
-                       {{"StartDiagComPrimitive"},
-                        {"TimeStamp", "LogicalLink", "AccessKeyOfLocation", "ParentDiagComPrimitives", "DiagComPrimitive"}},
-                       {{"FinishDiagComPrimitive"},
-                        {"TimeStamp", "LogicalLink", "AccessKeyOfLocation", "ParentDiagComPrimitives", "DiagComPrimitive",
-                         "VariantDetected", "VariantSelected"}},
-                       {{"ParentDiagComPrimitives"}, {"DiagComPrimitive"}},
-                       {{"Result"},
-                        {"LogicalLink", "ParentDiagComPrimitives", "DiagComPrimitive", "Error", "Request", "Response"}},
-                       {{"Request"}, {"TimeStamp", "Error", "RequestMessage", "RequestParameter"}},
-                       {{"RequestParameter"}, {"Unit", "ValueRangeInfo", "Value", "Error", "RequestParameter"}},
-                       {{"Response"}, {"TimeStamp", "AccessKeyOfLocation", "LocationAddress", "Error", "ResponseMessage",
-                                       "ResponseParameter"}},
-                       {{"ResponseParameter"}, {"Unit", "ValueRangeInfo", "Value", "Error", "ResponseParameter"}},
-                       {{"Value"}, {"ValueAsString"}},
-                       {{"ValueRangeInfo"}, {"Text"}},
-                       {{"Error"}, {"CodeDescription", "VendorCode", "VendorCodeDescription"}},
-                   });
+    AddTree(
+        pairs,
+        {
+            // The header's link, read by the first tables.
+            {{"LogicalLink"}, {"ShortName", "DatabaseAccessKey"}},
+            {{"Trace"},
+             {"StartTrace", "StopTrace", "OpenLogicalLink", "CloseLogicalLink", "StartDiagComPrimitive",
+              "FinishDiagComPrimitive", "Result", "VariantSelected", "VariantDetected"}},
+            {{"StartTrace"}, {"PhysicalInterfaceLink", "PhysicalVehicleLink"}},
+            {{"OpenLogicalLink", "CloseLogicalLink"}, {"TimeStamp", "LogicalLink", "AccessKeyOfLocation"}},
+            {{"StartDiagComPrimitive"},
+             {"TimeStamp", "LogicalLink", "AccessKeyOfLocation", "ParentDiagComPrimitives", "DiagComPrimitive"}},
+            {{"FinishDiagComPrimitive"},
+             {"TimeStamp", "LogicalLink", "AccessKeyOfLocation", "ParentDiagComPrimitives", "DiagComPrimitive",
+              "VariantDetected", "VariantSelected"}},
+            {{"ParentDiagComPrimitives"}, {"DiagComPrimitive"}},
+            {{"Result"},
+             {"LogicalLink", "ParentDiagComPrimitives", "DiagComPrimitive", "Error", "Request", "Response"}},
+            {{"Request"}, {"TimeStamp", "Error", "RequestMessage", "RequestParameter"}},
+            {{"RequestParameter"}, {"Unit", "ValueRangeInfo", "Value", "Error", "RequestParameter"}},
+            {{"Response"},
+             {"TimeStamp", "AccessKeyOfLocation", "LocationAddress", "Error", "ResponseMessage", "ResponseParameter"}},
+            {{"ResponseParameter"}, {"Unit", "ValueRangeInfo", "Value", "Error", "ResponseParameter"}},
+            {{"Value"}, {"ValueAsString"}},
+            {{"ValueRangeInfo"}, {"Text"}},
+            {{"Error"}, {"CodeDescription", "VendorCode", "VendorCodeDescription"}},
+        });
     return pairs;
 }
 
@@ -109,7 +114,9 @@ XpvtTraceOptions Options(XpvtSchema schema, std::uint64_t results, std::uint64_t
 std::size_t HexByteCount(std::string text) {
     for (std::size_t at; (at = text.find("0x")) != std::string::npos;)
         text.erase(at, 2);
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) { return std::isxdigit(static_cast<unsigned char>(c)); })) / 2;
+    return static_cast<std::size_t>(std::count_if(
+               text.begin(), text.end(), [](char c) { return std::isxdigit(static_cast<unsigned char>(c)); })) /
+           2;
 }
 
 bool HasSequence(const std::vector<std::string>& names, const std::string& first, const std::string& second) {
@@ -249,7 +256,7 @@ TEST_P(XpvtGeneratorBySchema, SchemaTextAndHeaderDatesComeOutAsAsked) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Schemas, XpvtGeneratorBySchema, ::testing::Values(XpvtSchema::V701, XpvtSchema::V702),
-                         [](const auto& info) { return info.param == XpvtSchema::V702 ? "V702" : "V701"; });
+                         [](const auto& schema) { return schema.param == XpvtSchema::V702 ? "V702" : "V701"; });
 
 TEST(XpvtTraceGenerator, MessagesAndPdusCoverTheRowEdges) {
     const std::set<std::size_t> edges = {0, 1, 7, 8, 9, 10, 15, 16, 17, 33};

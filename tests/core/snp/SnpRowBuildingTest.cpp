@@ -98,7 +98,7 @@ TEST(SnpRowBuilding, MatchesGeneratorOnPlainAndHostileFiles) {
         hostile.snapshots = 12;
         hostile.hostile = zdtgen::SnapshotHostile::InFileKinds();
         hostile.hostile.hugeAttributeBytes = 30000; // crosses several read blocks
-        hostile.hostile.nestingDepth = 260;          // deeper than the first stack
+        hostile.hostile.nestingDepth = 260;         // deeper than the first stack
         SCOPED_TRACE(seed);
         expectMatchesGenerator(hostile);
     }
@@ -182,7 +182,8 @@ TEST(SnpOpen, FailuresShowTheirMessageAndOpenNothing) {
 
     SnpDoc noSwap;
     boxes.texts.clear();
-    EXPECT_FALSE(noSwap.OnOpenDocument(dir.Write("a.snp", "<SnapList/>"), dir.Write("blocker", "a file, not a directory") + "/sub/", &boxes));
+    EXPECT_FALSE(noSwap.OnOpenDocument(dir.Write("a.snp", "<SnapList/>"),
+                                       dir.Write("blocker", "a file, not a directory") + "/sub/", &boxes));
     EXPECT_EQ(boxes.texts, std::vector<std::string>{"Could not open file."});
 
     // A foreign root is well-formed: an empty list and no message.

@@ -21,7 +21,9 @@ public:
     std::vector<std::string> texts;
 };
 
-std::string column(SnpDoc& doc, int row, int index) { return doc.container().columnText(row, index); }
+std::string column(SnpDoc& doc, int row, int index) {
+    return doc.container().columnText(row, index);
+}
 
 // The rows the search marked, found independently from the rows the display pass
 // wrote: a row is expected when its columns hold the criterion in the right field.
@@ -141,7 +143,8 @@ TEST(SnpSearch, FieldsAlternativesAndCase) {
 
 TEST(SnpSearch, FailuresKeepEarlierMarksAndShowTheirMessage) {
     TempDir dir;
-    const std::string path = dir.Write("t.snp", "<SnapList><SnapShot ShortName='A'/><SnapShot ShortName='A'/></SnapList>");
+    const std::string path =
+        dir.Write("t.snp", "<SnapList><SnapShot ShortName='A'/><SnapShot ShortName='A'/></SnapList>");
     SnpDoc doc;
     ASSERT_TRUE(doc.OnOpenDocument(path, dir.Path().string() + "/", nullptr));
     int updates = 0;
@@ -183,9 +186,9 @@ TEST(SnpGoTo, MessagesAndWrap) {
     EXPECT_FALSE(doc.goTo(G::PreviousBookmark, 0, 6, &boxes));
     EXPECT_FALSE(doc.goTo(G::NextBookmark, 0, 6, &boxes));
     EXPECT_EQ(boxes.texts, (std::vector<std::string>{"No row selected. Please select a row.",
-                                                      "No find results. Can't go next find result.",
-                                                      "No bookmarks are set. Can't go back bookmark.",
-                                                      "No bookmarks are set. Can't go next bookmark."}));
+                                                     "No find results. Can't go next find result.",
+                                                     "No bookmarks are set. Can't go back bookmark.",
+                                                     "No bookmarks are set. Can't go next bookmark."}));
     SnpFindCriteria c;
     c.searchSnapShot = c.shortNameOn = true;
     c.shortName = "A";

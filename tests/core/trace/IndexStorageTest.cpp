@@ -43,6 +43,99 @@ TEST(OffsetArray, HoldsOffsetsBeyondFourGibibytesInFourBytesEach) {
     EXPECT_LT(offsets.BytesAllocated(), expected.size() * 4 + 64 * 1024);
 }
 
+TEST(OffsetArray, BulkAppendsAgreeWithSingleOnesAcrossHighWordSteps) {
+    std::vector<std::uint64_t> offsets;
+    std::uint64_t offset = 0xFFFFF000ull;
+    for (int i = 0; i < 70000; ++i) {
+        offsets.push_back(offset);
+        offset += (i % 20000 == 19999) ? 0x100000000ull * 2 + 3 : (i % 7 == 0 ? 0 : 29);
+    }
+    OffsetArray single, bulk;
+    for (const std::uint64_t o : offsets)
+        ASSERT_TRUE(single.Append(o));
+    // Runs of every size, some across chunk borders and high-word steps.
+    for (std::size_t at = 0, run = 1; at < offsets.size(); at += run, run = run * 3 % 40000 + 1)
+        ASSERT_TRUE(bulk.AppendRange(offsets.data() + at, std::min(run, offsets.size() - at)));
+    ASSERT_EQ(bulk.Size(), offsets.size());
+    for (std::uint32_t i = 0; i < offsets.size(); ++i) {
+        ASSERT_EQ(bulk.Get(i), offsets[i]) << i;
+        ASSERT_EQ(single.Get(i), offsets[i]) << i;
+    }
+}
+
+TEST(OffsetArray, ASharedArrayShowsTheOtherUntilWrittenAnew) {
+    OffsetArray all, visible;
+    visible.ShareWith(all);
+    const std::uint64_t big = 0x100000000ull * 5;
+    for (std::uint64_t i = 0; i < 40000; ++i)
+        ASSERT_TRUE(all.Append(big + i * 10));
+    // Appended after the share began, and shown all the same, without memory of its own.
+    EXPECT_TRUE(visible.IsShared());
+    EXPECT_EQ(visible.Size(), 40000u);
+    EXPECT_EQ(visible.Get(39999), big + 399990);
+    EXPECT_EQ(visible.BytesAllocated(), 0u);
+
+    // Appending takes a copy first, so the two part ways.
+    ASSERT_TRUE(visible.Append(big + 400000));
+    EXPECT_FALSE(visible.IsShared());
+    EXPECT_EQ(visible.Size(), 40001u);
+    EXPECT_EQ(all.Size(), 40000u);
+    EXPECT_EQ(visible.Get(12345), big + 123450);
+    EXPECT_EQ(visible.Get(40000), big + 400000);
+
+    // Clearing ends a share without a copy.
+    visible.ShareWith(all);
+    visible.Clear();
+    EXPECT_EQ(visible.Size(), 0u);
+    ASSERT_TRUE(visible.Append(7));
+    EXPECT_EQ(visible.Get(0), 7u);
+    EXPECT_EQ(all.Get(0), big);
+}
+
+TEST(ChunkedArray, SharedStepsAreTheDifferencesOfTheOther) {
+    ChunkedArray absolute, steps;
+    steps.ShareStepsOf(absolute);
+    const std::uint32_t values[] = {100, 100, 250, 0xFFFFFFF0u, 5, 5, 0}; // steps wrap as 32 bits do
+    for (const std::uint32_t value : values)
+        ASSERT_TRUE(absolute.Append(value));
+    ASSERT_EQ(steps.Size(), 7u);
+    const std::uint32_t expected[] = {100, 0, 150, 0xFFFFFFF0u - 250, 5 - 0xFFFFFFF0u, 0, 0u - 5};
+    for (std::uint32_t i = 0; i < 7; ++i)
+        EXPECT_EQ(steps.Get(i), expected[i]) << i;
+    EXPECT_EQ(steps.BytesAllocated(), 0u);
+
+    // Written out on the first append, then on its own.
+    ASSERT_TRUE(steps.Append(42));
+    EXPECT_FALSE(steps.IsShared());
+    ASSERT_TRUE(absolute.Append(1000));
+    ASSERT_EQ(steps.Size(), 8u);
+    for (std::uint32_t i = 0; i < 7; ++i)
+        EXPECT_EQ(steps.Get(i), expected[i]) << i;
+    EXPECT_EQ(steps.Get(7), 42u);
+
+    steps.ShareStepsOf(absolute);
+    steps.Clear();
+    EXPECT_EQ(steps.Size(), 0u);
+    EXPECT_EQ(absolute.Size(), 8u);
+}
+
+TEST(ChunkedArray, GeneratedAppendsFillChunkByChunk) {
+    ChunkedArray array;
+    ASSERT_TRUE(array.Append(1));
+    std::size_t calls = 0;
+    const std::size_t count = ChunkedArray::ChunkEntries * 2 + 5;
+    ASSERT_TRUE(array.AppendGenerated(count, [&](std::uint32_t* into, std::size_t first, std::uint32_t n) {
+        ++calls;
+        for (std::uint32_t i = 0; i < n; ++i)
+            into[i] = static_cast<std::uint32_t>(first + i) * 3;
+    }));
+    EXPECT_EQ(calls, 3u); // the rest of the first chunk, one whole, and the start of a third
+    ASSERT_EQ(array.Size(), count + 1);
+    EXPECT_EQ(array.Get(0), 1u);
+    for (std::uint32_t i = 0; i < count; ++i)
+        ASSERT_EQ(array.Get(i + 1), i * 3) << i;
+}
+
 TEST(ChannelTimes, ReturnsThePreviousTimeOfTheSameChannel) {
     ChannelTimes times;
     EXPECT_EQ(times.Exchange(1, 100), 0u);
@@ -84,7 +177,7 @@ TEST(BufFile, LinesThatDoNotFitOrDoNotEndGiveNull) {
     ASSERT_TRUE(file.Open(dir.Write("a", std::string(8191, 'a') + "\r\n" + std::string(8192, 'b') + "\r\nlast")));
     ASSERT_NE(file.GetLine(0), nullptr);
     EXPECT_EQ(file.GetLine(8193), nullptr);
-    EXPECT_EQ(file.GetLine(8193 + 8194), nullptr);   // last line without a carriage return
+    EXPECT_EQ(file.GetLine(8193 + 8194), nullptr); // last line without a carriage return
     EXPECT_EQ(file.GetLine(1u << 30), nullptr);
     CBufFile closed;
     EXPECT_EQ(closed.GetLine(0), nullptr);

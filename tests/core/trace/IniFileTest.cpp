@@ -13,20 +13,17 @@ namespace {
 
 class IniFileTest : public testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         std::string pattern = (fs::temp_directory_path() / "zdt-ini-XXXXXX").string();
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         m_dir = pattern;
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         std::error_code ignored;
         fs::remove_all(m_dir, ignored);
     }
 
-    std::string Write(const std::string& name, const std::string& text)
-    {
+    std::string Write(const std::string& name, const std::string& text) {
         const std::string path = m_dir + "/" + name;
         std::ofstream(path, std::ios::binary) << text;
         return path;
@@ -37,8 +34,7 @@ protected:
 
 } // namespace
 
-TEST_F(IniFileTest, FindsKeysBySectionWithoutRegardToCase)
-{
+TEST_F(IniFileTest, FindsKeysBySectionWithoutRegardToCase) {
     CIniFile ini(Write("a.ini", "[CAN]\nType=StopFilter\nNoOfEntries=2\n[Other]\ntype=PassFilter\n"));
 
     EXPECT_EQ(ini.GetString("Type", "Unknown", "CAN"), "StopFilter");
@@ -53,8 +49,7 @@ TEST_F(IniFileTest, FindsKeysBySectionWithoutRegardToCase)
     EXPECT_FALSE(ini.HasError());
 }
 
-TEST_F(IniFileTest, TrimsBlanksStripsMatchingQuotesAndSkipsComments)
-{
+TEST_F(IniFileTest, TrimsBlanksStripsMatchingQuotesAndSkipsComments) {
     CIniFile ini(Write("b.ini", "; leading comment\r\n"
                                 "  [ Paths ]  \r\n"
                                 "  Plain  =  some value  \r\n"
@@ -86,8 +81,7 @@ TEST_F(IniFileTest, TrimsBlanksStripsMatchingQuotesAndSkipsComments)
     EXPECT_EQ(ini.GetString("Last", "", "Paths"), "no line end");
 }
 
-TEST_F(IniFileTest, MissingFileGivesDefaultsWithoutTrailingBlanks)
-{
+TEST_F(IniFileTest, MissingFileGivesDefaultsWithoutTrailingBlanks) {
     CIniFile ini(m_dir + "/absent.ini");
     EXPECT_EQ(ini.GetString("Key", "fallback", "Section"), "fallback");
     EXPECT_EQ(ini.GetString("Key", "  padded  ", "Section"), "  padded");
@@ -95,14 +89,13 @@ TEST_F(IniFileTest, MissingFileGivesDefaultsWithoutTrailingBlanks)
     EXPECT_FALSE(ini.HasError());
 }
 
-TEST_F(IniFileTest, LongValuesComeBackWholeUpToTheBufferLimit)
-{
+TEST_F(IniFileTest, LongValuesComeBackWholeUpToTheBufferLimit) {
     const std::string v5000(5000, 'a');
     const std::string v29997(29997, 'b');
     const std::string v29998(29998, 'c');
     const std::string v40000(40000, 'd');
-    const std::string path = Write("long.ini", "[S]\nA=" + v5000 + "\nB=" + v29997 + "\nC=" + v29998 +
-                                                   "\nD=" + v40000 + "\nE=after\n");
+    const std::string path =
+        Write("long.ini", "[S]\nA=" + v5000 + "\nB=" + v29997 + "\nC=" + v29998 + "\nD=" + v40000 + "\nE=after\n");
 
     CIniFile ini(path);
     EXPECT_EQ(ini.GetString("A", "", "S"), v5000);
@@ -118,8 +111,7 @@ TEST_F(IniFileTest, LongValuesComeBackWholeUpToTheBufferLimit)
     EXPECT_TRUE(other.HasError());
 }
 
-TEST_F(IniFileTest, NameWithoutDirectoryIsLookedForInTheWorkingDirectory)
-{
+TEST_F(IniFileTest, NameWithoutDirectoryIsLookedForInTheWorkingDirectory) {
     Write("local.ini", "[S]\nK=here\n");
     const fs::path previous = fs::current_path();
     fs::current_path(m_dir);
@@ -130,8 +122,7 @@ TEST_F(IniFileTest, NameWithoutDirectoryIsLookedForInTheWorkingDirectory)
     EXPECT_EQ(value, "here");
 }
 
-TEST_F(IniFileTest, KeysBeforeTheFirstSectionBelongToNoNamedSection)
-{
+TEST_F(IniFileTest, KeysBeforeTheFirstSectionBelongToNoNamedSection) {
     CIniFile ini(Write("c.ini", "\xEF\xBB\xBFTop=1\n[S]\nTop=2\n"));
     EXPECT_EQ(ini.GetString("Top", "", "S"), "2");
     EXPECT_EQ(ini.GetString("Top", "", ""), "1");

@@ -50,12 +50,24 @@ std::string AwkwardTrace(unsigned seed, std::size_t bytes) {
                       static_cast<unsigned>(random() % 0x800), time);
         text += line;
         switch (random() % 200) {
-        case 0: text += "\r\r\n"; break;               // the next line starts at the second carriage return's LF
-        case 1: text += "\r"; break;                   // a lone carriage return swallows a character
-        case 2: text += "\r\n\r\n"; break;             // an empty line
-        case 3: text += "\r\n[AnalyzerHistory]\r\nCANFilter=1:a.flt\r\n\r\n"; break;
-        case 4: text += "\r\n1000 not a record\r\nFF01\r\n 000 00000010\r\n"; break;
-        default: text += "\r\n"; break;
+        case 0:
+            text += "\r\r\n";
+            break; // the next line starts at the second carriage return's LF
+        case 1:
+            text += "\r";
+            break; // a lone carriage return swallows a character
+        case 2:
+            text += "\r\n\r\n";
+            break; // an empty line
+        case 3:
+            text += "\r\n[AnalyzerHistory]\r\nCANFilter=1:a.flt\r\n\r\n";
+            break;
+        case 4:
+            text += "\r\n1000 not a record\r\nFF01\r\n 000 00000010\r\n";
+            break;
+        default:
+            text += "\r\n";
+            break;
         }
     }
     return text;

@@ -5,8 +5,7 @@
 
 #include <filesystem>
 
-TEST(CPath, NormalisesLeadingAndTrailingSeparators)
-{
+TEST(CPath, NormalisesLeadingAndTrailingSeparators) {
     EXPECT_EQ(CPath("", "/data/traces/").Directory(), "/data/traces");
     EXPECT_EQ(CPath("", "/data/traces").Directory(), "/data/traces");
     // A bare directory is anchored at the root; only a dot keeps a path relative.
@@ -20,15 +19,13 @@ TEST(CPath, NormalisesLeadingAndTrailingSeparators)
     EXPECT_EQ(CPath("C:", "/x").Text(), "/x");
 }
 
-TEST(CPath, EmptyDirectoryMeansTheWorkingDirectory)
-{
+TEST(CPath, EmptyDirectoryMeansTheWorkingDirectory) {
     const std::string cwd = std::filesystem::current_path().string();
     EXPECT_EQ(CPath("", "").Directory(), CPath::NormaliseDirectory(cwd));
     EXPECT_EQ(CPath().Directory(), CPath::NormaliseDirectory(cwd));
 }
 
-TEST(CFileName, SplitsAtTheLastSeparatorAndTheLastDot)
-{
+TEST(CFileName, SplitsAtTheLastSeparatorAndTheLastDot) {
     const CFileName name("/data/run.1/trace.tar.gz");
     EXPECT_EQ(name.Directory(), "/data/run.1");
     EXPECT_EQ(name.BaseName(), "trace.tar");
@@ -45,8 +42,7 @@ TEST(CFileName, SplitsAtTheLastSeparatorAndTheLastDot)
     EXPECT_EQ(trailingDot.Extension(), ".");
 }
 
-TEST(CFileName, RebuildsFromNormalisedParts)
-{
+TEST(CFileName, RebuildsFromNormalisedParts) {
     EXPECT_EQ(CFileName("/data//trace.trc").FullPath(), "/data//trace.trc");
     EXPECT_EQ(CFileName("/data/sub/").FullPath(), "/data/sub");
     EXPECT_EQ(CFileName("/trace.trc").FullPath(), "/trace.trc");
@@ -58,8 +54,7 @@ TEST(CFileName, RebuildsFromNormalisedParts)
     EXPECT_EQ(dotFile.FullPath(), "/data.flt");
 }
 
-TEST(CFileName, NameWithoutDirectoryLiesInTheWorkingDirectory)
-{
+TEST(CFileName, NameWithoutDirectoryLiesInTheWorkingDirectory) {
     const std::string cwd = CPath::NormaliseDirectory(std::filesystem::current_path().string());
     const CFileName name("settings.ini");
     EXPECT_EQ(name.Directory(), cwd);

@@ -61,8 +61,7 @@ struct Slots {
     void* at(std::size_t i) { return bytes[i]; }
 };
 
-template <typename Scan>
-int CallWithSlots(Scan scan, const char* input, const char* format, Slots& s) {
+template <typename Scan> int CallWithSlots(Scan scan, const char* input, const char* format, Slots& s) {
     return scan(input, format, s.at(0), s.at(1), s.at(2), s.at(3), s.at(4), s.at(5), s.at(6), s.at(7), s.at(8), s.at(9),
                 s.at(10), s.at(11), s.at(12), s.at(13), s.at(14), s.at(15), s.at(16), s.at(17), s.at(18), s.at(19),
                 s.at(20), s.at(21), s.at(22), s.at(23), s.at(24), s.at(25), s.at(26), s.at(27), s.at(28), s.at(29));
@@ -138,12 +137,15 @@ public:
             }
         }
         switch (Pick(4)) {
-        case 0: s.resize(Pick(s.size() + 1)); break;
+        case 0:
+            s.resize(Pick(s.size() + 1));
+            break;
         case 1:
             if (!s.empty())
                 s.insert(Pick(s.size()), Noise(3));
             break;
-        default: break;
+        default:
+            break;
         }
         return s;
     }
@@ -177,14 +179,18 @@ private:
             s += '+';
         switch (conversion) {
         case 'd':
-        case 'u': s += Digits(Decimal, 10, Pick(3) == 0 ? 24 : 11); break;
+        case 'u':
+            s += Digits(Decimal, 10, Pick(3) == 0 ? 24 : 11);
+            break;
         case 'x':
         case 'X':
             if (Pick(5) == 0)
                 s += Pick(2) ? "0x" : "0X";
             s += Digits(Hex, 22, Pick(3) == 0 ? 20 : 9);
             break;
-        default: s = Noise(6); break;
+        default:
+            s = Noise(6);
+            break;
         }
         return s;
     }

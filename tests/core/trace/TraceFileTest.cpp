@@ -9,8 +9,8 @@
 namespace {
 
 std::string Head(const std::string& title, const std::string& schema) {
-    return CrLf({"[Description]", "Title=" + title, "Schema=" + schema, "Creator=unit test",
-                 "ProductVersion=7.1.2", "InterfaceBoard=VCI-4", "Date=21.11.2026", "Time=14:05:09"});
+    return CrLf({"[Description]", "Title=" + title, "Schema=" + schema, "Creator=unit test", "ProductVersion=7.1.2",
+                 "InterfaceBoard=VCI-4", "Date=21.11.2026", "Time=14:05:09"});
 }
 
 struct Opened {
@@ -111,11 +111,11 @@ TEST(TraceFileOpen, WithoutDescriptionNeitherZdtNorOther) {
 
 TEST(TraceFileIndex, ClassifiesLinesByTheirFirstCharacter) {
     TempDir dir;
-    auto opened = OpenText(dir, Head("ZDT Trace File", "601") +
-                                    CrLf({"[TraceData]", "0000 00000010", " 000 00000020", "1000 x", "", "[foo]",
-                                          "8000 00000030", "4400 01 X 0000000040", "7FFF", "FF01",
-                                          "f001 lower case", "9000 no", "A000 no"}) +
-                                    "0000 00000099");
+    auto opened =
+        OpenText(dir, Head("ZDT Trace File", "601") +
+                          CrLf({"[TraceData]", "0000 00000010", " 000 00000020", "1000 x", "", "[foo]", "8000 00000030",
+                                "4400 01 X 0000000040", "7FFF", "FF01", "f001 lower case", "9000 no", "A000 no"}) +
+                          "0000 00000099");
     ASSERT_TRUE(opened->ok);
     const CTraceFile& f = *opened->file;
     // 0000, blank, 8000, 4400, 7FFF, FF01, f001; the last line has no carriage return.
@@ -145,9 +145,9 @@ TEST(TraceFileIndex, ZeroTimesInheritTheRunningAbsoluteTime) {
 
 TEST(TraceFileIndex, DeltaFilesAccumulateAbsoluteTimes) {
     TempDir dir;
-    auto opened = OpenText(dir, Head("ZDT Trace File", "2") +
-                                    CrLf({"[TraceData]", "0005 00000010", "0003 00000020 0001 41 00", "FF01",
-                                          "0006 00000005"}));
+    auto opened =
+        OpenText(dir, Head("ZDT Trace File", "2") +
+                          CrLf({"[TraceData]", "0005 00000010", "0003 00000020 0001 41 00", "FF01", "0006 00000005"}));
     ASSERT_TRUE(opened->ok);
     const CTraceFile& f = *opened->file;
     const std::uint32_t absolute[] = {0x10, 0x30, 0x30, 0x35};
@@ -160,13 +160,12 @@ TEST(TraceFileIndex, DeltaFilesAccumulateAbsoluteTimes) {
 
 TEST(TraceFileIndex, TokenLinesGiveChannelTimesInOtherTraces) {
     TempDir dir;
-    auto opened =
-        OpenText(dir, Head("CAN Onboard", "601") +
-                          CrLf({"[TraceData]", "5000 01 000007E8 0000001000 0008 01 02 03 04 05 06 07 08",
-                                "5000 02 000007E8 0000001500 0008 01 02 03 04 05 06 07 08",
-                                "6000 01 000007E0 0000002000 0002 01 02 00 00 00 00 00 00",
-                                "0034 00003000 0006 10 F1 33 01 02 03 00 00 00 00 00 00",
-                                "6000 0a 000007E0 0000004000 0002 01 02 00 00 00 00 00 00"}));
+    auto opened = OpenText(dir, Head("CAN Onboard", "601") +
+                                    CrLf({"[TraceData]", "5000 01 000007E8 0000001000 0008 01 02 03 04 05 06 07 08",
+                                          "5000 02 000007E8 0000001500 0008 01 02 03 04 05 06 07 08",
+                                          "6000 01 000007E0 0000002000 0002 01 02 00 00 00 00 00 00",
+                                          "0034 00003000 0006 10 F1 33 01 02 03 00 00 00 00 00 00",
+                                          "6000 0a 000007E0 0000004000 0002 01 02 00 00 00 00 00 00"}));
     ASSERT_TRUE(opened->ok);
     const CTraceFile& f = *opened->file;
     ASSERT_EQ(f.VisibleCount(), 5u);
@@ -185,9 +184,9 @@ TEST(TraceFileIndex, TokenLinesGiveChannelTimesInOtherTraces) {
 
 TEST(TraceFileIndex, ClassThreeLinesOf701SkipTheTimePass) {
     TempDir dir;
-    auto opened = OpenText(dir, Head("ZDT Trace File", "701") +
-                                    CrLf({"[TraceData]", "0005 X 12345", "5000  000007E8 0000001000 0008  01 02",
-                                          "8004", "0038 1"}));
+    auto opened = OpenText(
+        dir, Head("ZDT Trace File", "701") +
+                 CrLf({"[TraceData]", "0005 X 12345", "5000  000007E8 0000001000 0008  01 02", "8004", "0038 1"}));
     ASSERT_TRUE(opened->ok);
     const CTraceFile& f = *opened->file;
     EXPECT_EQ(f.VisibleCount(), 4u);
@@ -200,13 +199,14 @@ TEST(TraceFileIndex, ClassThreeLinesOf701SkipTheTimePass) {
 TEST(TraceFileIndex, ALineLongerThanTheWindowEndsTheWalk) {
     TempDir dir;
     const std::string longLine = "0000 " + std::string(8192, 'x');
-    auto opened =
-        OpenText(dir, Head("ZDT Trace File", "601") + CrLf({"[TraceData]", "0000 00000010", longLine, "0000 00000020"}));
+    auto opened = OpenText(dir, Head("ZDT Trace File", "601") +
+                                    CrLf({"[TraceData]", "0000 00000010", longLine, "0000 00000020"}));
     ASSERT_TRUE(opened->ok);
     EXPECT_EQ(opened->file->VisibleCount(), 1u);
 
     const std::string fits = "0000 " + std::string(8186, 'x'); // 8,191 characters and its carriage return
-    opened = OpenText(dir, Head("ZDT Trace File", "601") + CrLf({"[TraceData]", "0000 00000010", fits, "0000 00000020"}));
+    opened =
+        OpenText(dir, Head("ZDT Trace File", "601") + CrLf({"[TraceData]", "0000 00000010", fits, "0000 00000020"}));
     ASSERT_TRUE(opened->ok);
     EXPECT_EQ(opened->file->VisibleCount(), 3u);
 }
@@ -246,7 +246,8 @@ TEST(TraceFileHistory, ReadsTheLastEntryAndAppendsOnce) {
     EXPECT_FALSE(f.GetFilterActive());
     EXPECT_EQ(f.VisibleCount(), 2u); // the walk goes on behind the section
 
-    const std::string fresh = dir.Write("n.trc", Head("ZDT Trace File", "601") + CrLf({"[TraceData]", "0000 00000010"}));
+    const std::string fresh =
+        dir.Write("n.trc", Head("ZDT Trace File", "601") + CrLf({"[TraceData]", "0000 00000010"}));
     CTraceFile g;
     ASSERT_TRUE(g.OpenTrace(fresh));
     EXPECT_FALSE(g.HasHistory());

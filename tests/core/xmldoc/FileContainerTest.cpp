@@ -55,8 +55,7 @@ bool isSwapFileName(const std::string& path, const std::string& directory) {
            digits(middle.substr(underscore + 1));
 }
 
-template <typename Operation>
-std::string messageOf(Operation operation) {
+template <typename Operation> std::string messageOf(Operation operation) {
     try {
         operation();
     } catch (const FileContainerBase::Exception& e) {
@@ -180,7 +179,7 @@ TEST_F(FileContainerTest, ColumnsAreSplitAtSeparatorsWhateverTheirLength) {
     container.appendRow(row({"001", exact, longer, "", huge, "z"}));
     const std::vector<std::string> expected{"001", exact, longer, "", huge, "z"};
     for (int column = 0; column < 6; ++column)
-        EXPECT_EQ(container.columnText(0, column), expected[column]) << column;
+        EXPECT_EQ(container.columnText(0, column), expected[static_cast<std::size_t>(column)]) << column;
     EXPECT_EQ(container.columnText(0, 6), "        ");
     EXPECT_EQ(container.columnText(0, -1), "        ");
 
@@ -243,22 +242,24 @@ TEST_F(FileContainerTest, MixedOperationsMatchDirectWrites) {
     std::vector<std::size_t> starts{0};
     std::mt19937 random(7);
     for (int step = 0; step < 20000; ++step) {
-        const int rows = static_cast<int>(starts.size()) - 1;
-        const unsigned choice = random() % 10;
+        const std::size_t rows = starts.size() - 1;
+        const auto choice = random() % 10;
         if (rows == 0 || choice < 7) {
-            const std::string text = row({"00" + std::to_string(random() % 4), std::string(random() % 300, 'a' + step % 26)});
+            const std::string text = row(
+                {"00" + std::to_string(random() % 4), std::string(random() % 300, static_cast<char>('a' + step % 26))});
             model.resize(starts.back());
             model += text + " ";
             starts.push_back(model.size());
             container.appendRow(text);
         } else {
-            const int index = static_cast<int>(random() % rows);
+            const std::size_t index = random() % rows;
+            const auto rowIndex = static_cast<zdt::RowIndex>(index);
             std::string text = model.substr(starts[index], starts[index + 1] - starts[index]);
             if (choice == 9) { // otherwise rewrite while appends may still be buffered
-                ASSERT_EQ(container.readRow(index), text) << step;
+                ASSERT_EQ(container.readRow(rowIndex), text) << step;
             }
             text[1] = text[1] == '1' ? '0' : '1';
-            container.rewriteRow(index, text);
+            container.rewriteRow(rowIndex, text);
             model.replace(starts[index], text.size(), text);
             if (model.size() == starts[index + 1])
                 model += ' ';

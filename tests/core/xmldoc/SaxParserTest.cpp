@@ -25,8 +25,7 @@ struct Recorder {
     bool throwOnBook = false;
 };
 
-template <int Variant>
-struct LibraryTraits {
+template <int Variant> struct LibraryTraits {
     enum XMLElements : int { Library, Book, Title, Author, Shelf, Note, UnknownElement, DocumentRoot };
     using Consumer = Recorder;
     using Parser = SaxParser<LibraryTraits>;
@@ -116,8 +115,7 @@ protected:
     }
 
     // Parses the file and returns the message of the engine's exception, if any.
-    template <typename T = Traits>
-    std::string parse(Parser::ProgressCallback progress = {}) {
+    template <typename T = Traits> std::string parse(Parser::ProgressCallback progress = {}) {
         SaxParser<T> parser;
         ConsumerContext<Recorder> context(&recorder);
         recorder.parser = &parser;
@@ -205,7 +203,8 @@ TEST_F(SaxParserTest, CutAtBlockBoundaryPassesButCutElsewhereFails) {
     for (std::size_t cut : {2 * Parser::BlockSize - 1, 2 * Parser::BlockSize + 1}) {
         write(document.substr(0, cut));
         recorder.events.clear();
-        const std::string lines = std::to_string(std::count(document.begin(), document.begin() + cut, '\n') + 1);
+        const std::string lines =
+            std::to_string(std::count(document.begin(), document.begin() + static_cast<std::ptrdiff_t>(cut), '\n') + 1);
         EXPECT_EQ(parse(), "XML error: " + lines + " unclosed token");
         EXPECT_GE(recorder.events.size(), booksBeforeBoundary - 4); // rows before the failure stay
     }

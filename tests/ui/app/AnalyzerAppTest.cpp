@@ -8,29 +8,41 @@
 #include "app/CChildFrame.h"
 #include "app/CMainFrame.h"
 #include "app/HelpWindow.h"
+#include "app/OperationStrip.h"
 #include "snp/SnpUiDocument.h"
-#include "xpvt/XpvtUiDocument.h"
 #include "ui/IsolatedTestMain.h"
 #include "ui/MenuLookup.h"
+#include "ui/OperationWaits.h"
+#include "xpvt/XpvtUiDocument.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileDialog>
 #include <QLabel>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
+#include <QTimer>
 #include <QToolBar>
 #include <QUrl>
 
+#include <algorithm>
 #include <map>
+#include <memory>
 
 using namespace zdtui;
+using namespace operation_waits;
 
 namespace {
 
@@ -61,33 +73,65 @@ const std::map<ViewCommand, const char*> CommandNames{
     {ViewCommand::Filter, "Filter"},
 };
 
-// A classic stand-in: a file whose first line is "bad" does not open; "menu 143" asks
-// for the partner's menu, "menu 139" for the XML documents' menu with its column popup;
-// the item count is the number of lines.
+// A classic stand-in whose read runs on the operation's thread like a real family's: a
+// file whose first line is "bad" does not open (silently; "bad box" with a box of its
+// own), "slow" reads until it is cancelled; "menu 143" asks for the partner's menu,
+// "menu 139" for the XML documents' menu with its column popup; the item count is the
+// number of lines.
 class FakeDocument final : public UiDocument {
 public:
-    bool open(const QString& path, QWidget*) override {
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly))
-            return false;
-        const QList<QByteArray> lines = file.readAll().split('\n');
-        if (lines.value(0) == "bad") {
-            g_events << "open failed " + QFileInfo(path).fileName();
-            return false;
-        }
-        m_path = path;
-        m_menu = lines.value(0) == "menu 143" ? 143 : lines.value(0) == "menu 139" ? 139 : 142;
-        m_items = int(lines.size());
-        emit titleChanged("Fake " + QFileInfo(path).fileName());
-        return true;
-    }
     QWidget* createView(QWidget* parent, StatusSink* status) override;
-    void close() override { g_events << "close " + QFileInfo(m_path).fileName(); }
-    QString pathName() const override { return m_path; }
+    QString name() const { return QFileInfo(pathName()).fileName(); }
 
-    QString m_path;
     int m_menu = 142;
     int m_items = 0;
+    StatusSink* m_status = nullptr;
+    QPointer<QWidget> m_view;
+
+protected:
+    zdt::OperationJob openJob(const QString& path) override {
+        // Written by the job, read once its thread has ended.
+        std::shared_ptr<ReadResult> result = m_result;
+        return [result, path](zdt::MessageSink& messages, zdt::OperationControl& control) {
+            QFile file(path);
+            if (!file.open(QIODevice::ReadOnly))
+                return zdt::OperationStatus::Failed;
+            const QList<QByteArray> lines = file.readAll().split('\n');
+            result->first = lines.value(0);
+            result->lines = int(lines.size());
+            if (result->first == "slow") {
+                for (unsigned long long step = 0; control.onProgress(step % 1000, 1000); ++step)
+                    QThread::msleep(1);
+                return zdt::OperationStatus::Cancelled;
+            }
+            if (result->first == "bad box")
+                messages.showMessage({"Fake", "cannot read", zdt::MessageIcon::Error});
+            return result->first.startsWith("bad") ? zdt::OperationStatus::Failed : zdt::OperationStatus::Done;
+        };
+    }
+    bool openEnded(const zdt::OperationOutcome& outcome) override {
+        if (m_result->first.startsWith("bad"))
+            g_events << "open failed " + name();
+        if (outcome.status != zdt::OperationStatus::Done)
+            return false;
+        m_menu = m_result->first == "menu 143" ? 143 : m_result->first == "menu 139" ? 139 : 142;
+        m_items = m_result->lines;
+        Q_EMIT titleChanged("Fake " + name());
+        // Only the active window's document writes the status bar.
+        auto* window =
+            m_view != nullptr ? qobject_cast<QMdiSubWindow*>(m_view->parentWidget()->parentWidget()) : nullptr;
+        if (window != nullptr && window->mdiArea() != nullptr && window->mdiArea()->currentSubWindow() == window)
+            m_status->SetStatusDocument(pathName(), m_items);
+        return true;
+    }
+    void closeDocument() override { g_events << "close " + name(); }
+
+private:
+    struct ReadResult {
+        QByteArray first;
+        int lines = 0;
+    };
+    std::shared_ptr<ReadResult> m_result = std::make_shared<ReadResult>();
 };
 
 class FakeView final : public QWidget, public CommandView {
@@ -97,7 +141,7 @@ public:
         for (const auto& [command, name] : CommandNames) {
             auto* action = new QAction(this);
             connect(action, &QAction::triggered, this,
-                    [this, name = QString(name)] { g_events << name + " " + QFileInfo(m_document.m_path).fileName(); });
+                    [this, name = QString(name)] { g_events << name + " " + m_document.name(); });
             m_actions[command] = action;
         }
         // A view decides what it serves: nothing to go to without bookmarks.
@@ -105,11 +149,11 @@ public:
     }
     QAction* commandAction(ViewCommand command) override { return m_actions.at(command); }
     int menuResource() const override { return m_document.m_menu; }
-    void activateView() override { m_status->SetStatusDocument(m_document.m_path, m_document.m_items); }
+    void activateView() override { m_status->SetStatusDocument(m_document.pathName(), m_document.m_items); }
     void fillColumnsMenu(QMenu* columns) override {
         columns->clear();
         for (const char* column : {"Time", "Value"})
-            columns->addAction(QString(column) + " of " + QFileInfo(m_document.m_path).fileName());
+            columns->addAction(QString(column) + " of " + m_document.name());
     }
 
     FakeDocument& m_document;
@@ -118,7 +162,9 @@ public:
 };
 
 QWidget* FakeDocument::createView(QWidget* parent, StatusSink* status) {
-    return new FakeView(*this, status, parent);
+    m_status = status;
+    m_view = new FakeView(*this, status, parent);
+    return m_view;
 }
 
 class FakeTemplate final : public DocumentTemplate {
@@ -131,8 +177,8 @@ std::unique_ptr<DocumentTemplate> MakeFakeTemplate() {
     return std::make_unique<FakeTemplate>();
 }
 
-// Keeps each box with its parent and which child windows were maximised when it came,
-// which tells whether the windows had been cascaded before it.
+// Keeps each box with its parent, which child windows were maximised when it came and
+// which windows (by title) stood then.
 class ObservingBoxes final : public Boxes {
 public:
     struct Box {
@@ -141,16 +187,20 @@ public:
         QString text;
         QMessageBox::Icon icon;
         QList<bool> maximised;
+        QStringList windows;
     };
     ObservingBoxes() { Boxes::install(this); }
     ~ObservingBoxes() override { Boxes::install(nullptr); }
     void show(QWidget* parent, const QString& title, const QString& text, QMessageBox::Icon icon) override {
         QList<bool> maximised;
+        QStringList windows;
         if (m_app != nullptr && m_app->mainFrame() != nullptr) {
-            for (CChildFrame* child : m_app->mainFrame()->childFrames())
+            for (CChildFrame* child : m_app->mainFrame()->childFrames()) {
                 maximised << child->isMaximized();
+                windows << child->windowTitle();
+            }
         }
-        boxes.push_back({parent, title, text, icon, maximised});
+        boxes.push_back({parent, title, text, icon, maximised, windows});
         g_events << "box " + title;
     }
     bool askYesNo(QWidget*, const QString&, const QString&, QMessageBox::Icon) override { return false; }
@@ -176,7 +226,8 @@ QStringList MenuBarLayout(QMainWindow& window) {
             if (action->isSeparator())
                 continue;
             QString text = action->text();
-            if (!action->shortcut().isEmpty())
+            // An item that names its keys itself shows them instead of its shortcut.
+            if (!action->shortcut().isEmpty() && !text.contains('\t'))
                 text += "\t" + action->shortcut().toString(QKeySequence::PortableText);
             items << text;
         }
@@ -220,7 +271,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_files;
     std::unique_ptr<ObservingBoxes> m_boxes;
 
-private slots:
+private Q_SLOTS:
     void init() {
         m_files = std::make_unique<QTemporaryDir>();
         m_boxes = std::make_unique<ObservingBoxes>();
@@ -240,6 +291,7 @@ private slots:
         // Only the file name's extension counts, not a folder's.
         QCOMPARE(familyOf(app->openDocumentFile(write("folder.xpvt/inner"))), QString("classic"));
         QCOMPARE(familyOf(app->openDocumentFile(write("twice.snp.trc"))), QString("classic"));
+        QVERIFY(WaitForWork(*app));
         QCOMPARE(app->mainFrame()->childFrames().size(), 7);
         QVERIFY(boxes.boxes.isEmpty());
 
@@ -248,7 +300,7 @@ private slots:
         QCOMPARE(xpvt->windowTitle(), QFileInfo(m_files->filePath("upper.XPVT")).absoluteFilePath());
     }
 
-    void fileDialogOpensAcceptedCascadesThenWarns() {
+    void fileDialogOpensAcceptedThenWarns() {
         ObservingBoxes& boxes = *m_boxes;
         auto app = start();
         const QString trace = write("a.trc");
@@ -261,21 +313,25 @@ private slots:
         QCOMPARE(frame.childFrames().size(), 2);
         QCOMPARE(frame.childFrames()[0]->document()->pathName(), trace);
         QCOMPARE(frame.childFrames()[1]->document()->pathName(), xpvt);
-        QCOMPARE(MaximisedStates(frame), QList<bool>({false, false}));
         QCOMPARE(boxes.boxes.size(), 1);
         const ObservingBoxes::Box& box = boxes.boxes.first();
         QCOMPARE(box.title, QString("E001_003 [Wrong file type.]"));
         QCOMPARE(box.text, "Can't open:\n" + unknown);
         QCOMPARE(box.icon, QMessageBox::Warning);
         QVERIFY(box.parent == nullptr);
-        // The dialog's windows are arranged before the warning comes.
-        QCOMPARE(box.maximised, QList<bool>({false, false}));
+        // The windows of the accepted files stand before the warning comes, not cascaded:
+        // the last one maximised as the first one was, the first behind it.
+        QCOMPARE(box.maximised, QList<bool>({false, true}));
+        QVERIFY(WaitForWork(*app));
+        QCOMPARE(MaximisedStates(frame), QList<bool>({false, true}));
+        QCOMPARE(boxes.boxes.size(), 1);
     }
 
-    void fileDialogWithOnlyUnknownFilesWarnsWithoutCascade() {
+    void fileDialogWithOnlyUnknownFilesWarnsAndLeavesTheWindows() {
         ObservingBoxes& boxes = *m_boxes;
         auto app = start();
         QVERIFY(app->openDocumentFile(write("open.trc")) != nullptr);
+        QVERIFY(WaitForWork(*app));
         const QString first = write("x.trc3");
         const QString second = write("y.");
 
@@ -287,20 +343,24 @@ private slots:
         QCOMPARE(boxes.boxes.first().text, "Can't open:\n" + first + "\n" + second);
     }
 
-    void fileDialogCascadesEvenWhenTheAcceptedFileFailsToOpen() {
+    void aFailedFileOfTheDialogGoesWithoutDisturbingTheOthers() {
         ObservingBoxes& boxes = *m_boxes;
         auto app = start();
         QVERIFY(app->openDocumentFile(write("open.trc")) != nullptr);
+        QVERIFY(WaitForWork(*app));
+        CChildFrame* open = app->mainFrame()->activeChildFrame();
 
         app->OpenSelectedFiles({write("broken.trc", "bad\n")});
+        QVERIFY(WaitForWork(*app));
 
-        QCOMPARE(app->mainFrame()->childFrames().size(), 1);
-        QCOMPARE(MaximisedStates(*app->mainFrame()), QList<bool>({false}));
+        QCOMPARE(app->mainFrame()->childFrames(), QList<CChildFrame*>({open}));
+        QCOMPARE(app->mainFrame()->activeChildFrame(), open);
+        QCOMPARE(MaximisedStates(*app->mainFrame()), QList<bool>({true}));
         QVERIFY(boxes.boxes.isEmpty());
-        QCOMPARE(g_events, QStringList({"open failed broken.trc"}));
+        QCOMPARE(g_events, QStringList({"open failed broken.trc", "close broken.trc"}));
     }
 
-    void droppedFilesWarnOnTheFrameBeforeTheCascade() {
+    void droppedFilesWarnOnTheFrame() {
         ObservingBoxes& boxes = *m_boxes;
         auto app = start();
         CMainFrame& frame = *app->mainFrame();
@@ -324,15 +384,18 @@ private slots:
         QCOMPARE(box.icon, QMessageBox::Warning);
         QVERIFY(box.parent == &frame);
         QCOMPARE(box.maximised, QList<bool>({true}));
-        QCOMPARE(MaximisedStates(frame), QList<bool>({false}));
+        QVERIFY(WaitForWork(*app));
+        QCOMPARE(MaximisedStates(frame), QList<bool>({true}));
 
         // Only unknown files: the warning, and the windows stay as they are.
         boxes.boxes.clear();
-        frame.childFrames()[0]->showMaximized();
+        frame.childFrames()[0]->showNormal();
+        const QRect geometry = frame.childFrames()[0]->geometry();
         frame.OnDropFiles({write("only.png")});
         QCOMPARE(boxes.boxes.size(), 1);
         QCOMPARE(frame.childFrames().size(), 1);
-        QCOMPARE(MaximisedStates(frame), QList<bool>({true}));
+        QCOMPARE(MaximisedStates(frame), QList<bool>({false}));
+        QCOMPARE(frame.childFrames()[0]->geometry(), geometry);
     }
 
     void commandLineOpensItsFileOrNothing() {
@@ -348,37 +411,60 @@ private slots:
             auto app = std::make_unique<CAnalyzerApp>(&MakeFakeTemplate);
             QVERIFY(app->InitInstance({path}));
             QCOMPARE(app->mainFrame()->childFrames().size(), 1);
+            QVERIFY(WaitForWork(*app));
+            QCOMPARE(app->mainFrame()->childFrames().size(), 1);
             QCOMPARE(app->mainFrame()->childFrames()[0]->document()->pathName(), path);
             QVERIFY(app->mainFrame()->childFrames()[0]->isMaximized());
             QCOMPARE(app->mainFrame()->childFrames()[0]->windowTitle(), QString("Fake from-shell.log"));
-            emit app->mainFrame()->childFrames()[0]->document()->titleChanged("renamed");
+            Q_EMIT app->mainFrame()->childFrames()[0]->document()->titleChanged("renamed");
             QCOMPARE(app->mainFrame()->childFrames()[0]->windowTitle(), QString("renamed"));
         }
         {
-            // A command-line file that does not open ends the start-up.
+            // A command-line file that does not open leaves the empty frame, with its box.
+            g_events.clear();
             auto app = std::make_unique<CAnalyzerApp>(&MakeFakeTemplate);
-            QVERIFY(!app->InitInstance({write("broken.trc", "bad\n")}));
+            m_boxes->m_app = app.get();
+            QVERIFY(app->InitInstance({write("broken.trc", "bad box\n")}));
+            QVERIFY(WaitForWork(*app));
+            QVERIFY(app->mainFrame()->isVisible());
             QVERIFY(app->mainFrame()->childFrames().isEmpty());
+            QCOMPARE(g_events, QStringList({"open failed broken.trc", "close broken.trc", "box Fake"}));
+            QCOMPARE(m_boxes->boxes.last().text, QString("cannot read"));
         }
     }
 
     void failedOpenLeavesNoWindowAndDisturbsNoOther() {
+        ObservingBoxes& boxes = *m_boxes;
         auto app = start();
         CMainFrame& frame = *app->mainFrame();
+        QSignalSpy ended(app.get(), &CAnalyzerApp::documentOpened);
         QVERIFY(app->openDocumentFile(write("a.trc")) != nullptr);
         UiDocument* second = app->openDocumentFile(write("b.trc"));
         QVERIFY(second != nullptr);
+        QVERIFY(WaitForWork(*app));
         const QString statusBefore = frame.statusPaneText(1);
 
-        QVERIFY(app->openDocumentFile(write("c.trc", "bad\n")) == nullptr);
-        QVERIFY(app->openDocumentFile(m_files->filePath("missing.xpvt")) == nullptr);
+        // The window of a file that does not open stands while it is read, and goes
+        // before its family's box comes.
+        const QString broken = write("c.trc", "bad box\n");
+        QVERIFY(app->openDocumentFile(broken) != nullptr);
+        QCOMPARE(frame.childFrames().size(), 3);
+        QVERIFY(WaitForWork(*app));
+        QVERIFY(app->openDocumentFile(m_files->filePath("missing.xpvt")) != nullptr);
+        QVERIFY(WaitForWork(*app));
 
         QCOMPARE(frame.childFrames().size(), 2);
         QCOMPARE(frame.activeChildFrame()->document(), second);
         QCOMPARE(frame.statusPaneText(1), statusBefore);
         // The families' own boxes are the only trace of a failed open.
-        QCOMPARE(g_events, QStringList({"open failed c.trc", "box "}));
-        QVERIFY(!app->recentFiles().paths().contains(m_files->filePath("c.trc")));
+        QCOMPARE(g_events, QStringList({"open failed c.trc", "close c.trc", "box Fake", "box "}));
+        QCOMPARE(boxes.boxes.size(), 2);
+        for (const ObservingBoxes::Box& box : boxes.boxes)
+            QCOMPARE(box.windows, QStringList({"Fake a.trc", "Fake b.trc"}));
+        QVERIFY(!app->recentFiles().paths().contains(broken));
+        QCOMPARE(ended.size(), 4);
+        QCOMPARE(ended.at(2), QVariantList({broken, false}));
+        QCOMPARE(ended.at(3).at(1).toBool(), false);
     }
 
     void openingAnOpenFileActivatesItsWindow() {
@@ -387,6 +473,7 @@ private slots:
         UiDocument* first = app->openDocumentFile(path);
         QVERIFY(app->openDocumentFile(write("other.trc")) != nullptr);
         QCOMPARE(app->openDocumentFile(path), first);
+        QVERIFY(WaitForWork(*app));
         QCOMPARE(app->openDocumentFile(m_files->path() + "/sub/../same.trc"), first);
         QCOMPARE(app->mainFrame()->childFrames().size(), 2);
         QCOMPARE(app->mainFrame()->activeChildFrame()->document(), first);
@@ -398,10 +485,12 @@ private slots:
         const QString a = write("a.trc", "1\n2\n");
         const QString b = write("b.trc", "1\n2\n3\n4\n");
         app->openDocumentFile(a);
+        QVERIFY(WaitForWork(*app));
         QCOMPARE(frame.statusPaneText(1), a);
         QCOMPARE(frame.statusPaneText(2), QString("No of Items 3"));
         QCOMPARE(frame.windowTitle(), QString("ZDT-Analyzer - [Fake a.trc]"));
         app->openDocumentFile(b);
+        QVERIFY(WaitForWork(*app));
         QCOMPARE(frame.statusPaneText(1), b);
         QCOMPARE(frame.statusPaneText(2), QString("No of Items 5"));
 
@@ -436,8 +525,10 @@ private slots:
             for (int i = 0; i < 9; ++i) {
                 opened << write(QString("r%1.trc").arg(i));
                 QVERIFY(app->openDocumentFile(opened.last()) != nullptr);
+                QVERIFY(WaitForWork(*app));
             }
             app->openDocumentFile(write("failing.trc", "bad\n"));
+            QVERIFY(WaitForWork(*app));
         }
         QSettings settings("Norvika", "ZDT7");
         settings.beginGroup("Recent File List");
@@ -454,12 +545,14 @@ private slots:
         QAction* entry = MenuItem(*app->mainFrame(), "&File", "&4 " + opened[5]);
         QVERIFY(entry != nullptr);
         entry->trigger();
+        QVERIFY(WaitForWork(*app));
         QVERIFY(!app->recentFiles().paths().contains(opened[5]));
         QCOMPARE(app->recentFiles().paths().size(), 7);
         QVERIFY(MenuItem(*app->mainFrame(), "&File", "&4 " + opened[4]) != nullptr);
 
         // Opening again puts a file first.
         QVERIFY(app->openDocumentFile(opened[2]) != nullptr);
+        QVERIFY(WaitForWork(*app));
         QCOMPARE(app->recentFiles().paths().first(), opened[2]);
         settings.sync();
         QCOMPARE(settings.value("File1").toString(), opened[2]);
@@ -473,6 +566,7 @@ private slots:
                                                     "&Help: &Help Topics\tF1|&About ZDT-Analyzer..."}));
 
         app->openDocumentFile(write("standard.trc"));
+        QVERIFY(WaitForWork(*app));
         QCOMPARE(frame.menuResourceShown(), 142);
         const QStringList standard = MenuBarLayout(frame);
         QCOMPARE(standard.size(), 5);
@@ -488,7 +582,8 @@ private slots:
         QCOMPARE(standard[4], QString("&Help: &Help Topics\tF1|&About ZDT-Analyzer..."));
 
         // The items run the view's commands and show the view's enabled state.
-        auto* view = dynamic_cast<FakeView*>(frame.activeChildFrame()->widget());
+        auto* view = dynamic_cast<FakeView*>(frame.activeChildFrame()->view());
+        QVERIFY(view != nullptr);
         QAction* find = MenuItem(frame, "&Session", "&Find");
         QCOMPARE(find, view->m_actions.at(ViewCommand::Find));
         find->trigger();
@@ -506,6 +601,7 @@ private slots:
         // The partner's menu keeps its trailing blank and its own about text; only the
         // active view's actions carry the keys.
         app->openDocumentFile(write("partner.trc", "menu 143\n"));
+        QVERIFY(WaitForWork(*app));
         QCOMPARE(frame.menuResourceShown(), 143);
         const QStringList partner = MenuBarLayout(frame);
         QCOMPARE(partner[2], QString("&View: Style KLine Link |Style CAN Link|&Toolbar|B&ookmark Toolbar|&Status Bar"));
@@ -529,13 +625,14 @@ private slots:
         CMainFrame& frame = *app->mainFrame();
         app->openDocumentFile(write("first.xml", "menu 139\n"));
         app->openDocumentFile(write("second.xml", "menu 139\n"));
+        QVERIFY(WaitForWork(*app));
         QCOMPARE(frame.menuResourceShown(), 139);
         const QStringList layout = MenuBarLayout(frame);
         QCOMPARE(layout.size(), 5);
         QVERIFY2(layout[0].contains("|Save &As...\tCtrl+Shift+S|"), qPrintable(layout[0]));
         QCOMPARE(layout[1], QString("&Session: Session Info...|&Find\tCtrl+F|Find &Next\tCtrl+F3|"
                                     "Find &Previous\tCtrl+Shift+F3|&Toggle Bookmark\tCtrl+F2|"
-                                    "Toggle Bookmark with Na&me...\tCtrl+Alt+F2|&Goto Next Bookmark\tF2|"
+                                    "Toggle Bookmark with Na&me...\tCtrl+Alt+F2; Alt+Shift+F2|&Goto Next Bookmark\tF2|"
                                     "Goto Previous &Bookmark\tShift+F2|Clear All Bookmarks\tCtrl+Shift+F2|"
                                     "Bookmark &List...\tCtrl+B|Filte&r..."));
         QCOMPARE(layout[2], QString("&View: &Columns|&Toolbar|B&ookmark Toolbar|&Status Bar"));
@@ -560,6 +657,7 @@ private slots:
 
         // A classic view has no column popup.
         app->openDocumentFile(write("classic.trc"));
+        QVERIFY(WaitForWork(*app));
         QCOMPARE(columnItems(), QStringList({"no popup"}));
     }
 
@@ -569,6 +667,7 @@ private slots:
         frame.resize(900, 700);
         app->openDocumentFile(write("a.trc"));
         app->openDocumentFile(write("b.trc"));
+        QVERIFY(WaitForWork(*app));
         const QRect area = frame.mdiArea()->viewport()->rect();
 
         frame.tileVertically();
@@ -580,6 +679,169 @@ private slots:
         QCOMPARE(MaximisedStates(frame), QList<bool>({false, false}));
     }
 
+    void newWindowsFollowTheActiveWindowsState() {
+        auto app = start();
+        CMainFrame& frame = *app->mainFrame();
+        frame.resize(900, 700);
+        // No window yet, then a maximised one: the new windows come maximised.
+        app->openDocumentFile(write("a.trc"));
+        app->openDocumentFile(write("b.trc"));
+        QVERIFY(WaitForWork(*app));
+        QCOMPARE(MaximisedStates(frame), QList<bool>({false, true}));
+
+        // A window in its own frame: the next one comes beside it at two thirds of the
+        // area, and the others keep their places.
+        frame.tileVertically();
+        CChildFrame* active = frame.childFrames()[1];
+        frame.mdiArea()->setActiveSubWindow(active);
+        const QRect area = frame.mdiArea()->viewport()->rect();
+        const QRect first = frame.childFrames()[0]->geometry();
+        const QRect second = active->geometry();
+        UiDocument* third = app->openDocumentFile(write("c.trc"));
+        QVERIFY(WaitForWork(*app));
+        QCOMPARE(frame.childFrames().size(), 3);
+        CChildFrame* added = frame.childFrames()[2];
+        QCOMPARE(added->document(), third);
+        QCOMPARE(frame.activeChildFrame(), added);
+        QCOMPARE(MaximisedStates(frame), QList<bool>({false, false, false}));
+        QVERIFY2(area.contains(added->geometry()), qPrintable(QString("%1,%2 %3x%4")
+                                                                  .arg(added->geometry().x())
+                                                                  .arg(added->geometry().y())
+                                                                  .arg(added->width())
+                                                                  .arg(added->height())));
+        QCOMPARE(added->width(), std::max(area.width() * 2 / 3, 320));
+        QCOMPARE(added->height(), std::max(area.height() * 2 / 3, 200));
+        QVERIFY(added->geometry() != second);
+        QCOMPARE(frame.childFrames()[0]->geometry(), first);
+        QCOMPARE(frame.childFrames()[1]->geometry(), second);
+
+        // Several at once from the file dialog: none is cascaded, the earlier ones stay.
+        const QRect thirdGeometry = added->geometry();
+        app->OpenSelectedFiles({write("d.trc"), write("e.trc")});
+        QVERIFY(WaitForWork(*app));
+        QCOMPARE(frame.childFrames().size(), 5);
+        QCOMPARE(frame.childFrames()[0]->geometry(), first);
+        QCOMPARE(frame.childFrames()[1]->geometry(), second);
+        QCOMPARE(frame.childFrames()[2]->geometry(), thirdGeometry);
+        for (CChildFrame* child : frame.childFrames()) {
+            QVERIFY(!child->isMaximized());
+            QVERIFY(area.contains(child->geometry()));
+        }
+
+        // A maximised active window again: the next one is maximised too.
+        frame.childFrames()[4]->showMaximized();
+        app->openDocumentFile(write("f.trc"));
+        QVERIFY(WaitForWork(*app));
+        QVERIFY(frame.activeChildFrame()->isMaximized());
+        QCOMPARE(frame.activeChildFrame()->document()->pathName(), m_files->filePath("f.trc"));
+    }
+
+    void openDialogOffersTheTraceFilesAndAllFiles() {
+        auto app = start();
+        QStringList filters;
+        QTimer poll;
+        poll.setInterval(10);
+        connect(&poll, &QTimer::timeout, this, [&] {
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            if (dialog == nullptr)
+                return;
+            poll.stop();
+            filters = dialog->nameFilters();
+            dialog->reject();
+        });
+        poll.start();
+        app->OnFileOpen();
+        QCOMPARE(filters.size(), 2);
+        QVERIFY2(filters[0].contains("*.trc") && filters[0].contains("*.xpvt") && filters[0].contains("*.snp"),
+                 qPrintable(filters[0]));
+        QCOMPARE(filters[1], QString("All files (*)"));
+        QVERIFY(app->mainFrame()->childFrames().isEmpty());
+    }
+
+    // A read that never ends by itself (the "slow" stand-in), ended by each way a user
+    // has: the window's Cancel, closing the window, closing the frame, ending the program.
+    void aReadIsCancelledByItsStripSilently() {
+        ObservingBoxes& boxes = *m_boxes;
+        auto app = start();
+        CMainFrame& frame = *app->mainFrame();
+        QSignalSpy ended(app.get(), &CAnalyzerApp::documentOpened);
+        const QString path = write("slow.trc", "slow\n");
+        UiDocument* document = app->openDocumentFile(path);
+        QVERIFY(document != nullptr);
+        QCOMPARE(frame.childFrames().size(), 1);
+        CChildFrame* child = frame.childFrames().first();
+        QPointer<CChildFrame> watched = child;
+        QVERIFY(document->isOpening());
+        OperationStrip* strip = child->operationStrip();
+        QCOMPARE(strip->followed(), document->operation());
+        QVERIFY(strip->isVisibleTo(child));
+        QVERIFY(strip->cancelButton()->isVisibleTo(child));
+        QVERIFY(strip->cancelButton()->isEnabled());
+        // Opening it again while it is read finds the same window.
+        QCOMPARE(app->openDocumentFile(path), document);
+        QCOMPARE(frame.childFrames().size(), 1);
+        QTRY_VERIFY(strip->progressBar()->value() > 0 || strip->progressBar()->maximum() == 0);
+
+        strip->cancelButton()->click();
+        QVERIFY(!strip->cancelButton()->isEnabled());
+        QVERIFY(ended.wait(WorkTimeoutMs));
+        QCOMPARE(ended.first(), QVariantList({path, false}));
+        QVERIFY(watched == nullptr);
+        QVERIFY(frame.childFrames().isEmpty());
+        QVERIFY(boxes.boxes.isEmpty());
+        QCOMPARE(g_events, QStringList({"close slow.trc"}));
+        QVERIFY(!app->recentFiles().paths().contains(path));
+    }
+
+    void closingTheWindowDuringTheReadCancelsAndClosesIt() {
+        ObservingBoxes& boxes = *m_boxes;
+        auto app = start();
+        CMainFrame& frame = *app->mainFrame();
+        QSignalSpy ended(app.get(), &CAnalyzerApp::documentOpened);
+        QVERIFY(app->openDocumentFile(write("done.trc")) != nullptr);
+        QVERIFY(WaitForWork(*app));
+        UiDocument* slow = app->openDocumentFile(write("slow.trc", "slow\n"));
+        QVERIFY(slow != nullptr && slow->isOpening());
+        QPointer<BackgroundOperation> operation = slow->operation();
+        QVERIFY(operation != nullptr);
+
+        QVERIFY(frame.childFrames()[1]->close());
+        // The work has unwound by the time the window is closed.
+        QVERIFY(operation == nullptr || !operation->isRunning());
+        QCOMPARE(g_events, QStringList({"close slow.trc"}));
+        QTRY_COMPARE(frame.childFrames().size(), 1);
+        QCOMPARE(frame.activeChildFrame()->document()->pathName(), m_files->filePath("done.trc"));
+        QTest::qWait(20);
+        // A read given up with its window reports no end and raises no box.
+        QCOMPARE(ended.size(), 1);
+        QVERIFY(boxes.boxes.isEmpty());
+    }
+
+    void closingTheFrameOrEndingTheProgramDuringReadsLeavesNothing() {
+        {
+            auto app = start();
+            CMainFrame& frame = *app->mainFrame();
+            app->openDocumentFile(write("slow1.trc", "slow\n"));
+            app->openDocumentFile(write("slow2.trc", "slow\n"));
+            QCOMPARE(frame.childFrames().size(), 2);
+            QVERIFY(frame.close());
+            QCOMPARE(g_events, QStringList({"close slow1.trc", "close slow2.trc"}));
+            QTRY_VERIFY(frame.childFrames().isEmpty());
+            QVERIFY(!frame.isVisible());
+        }
+        g_events.clear();
+        {
+            auto app = start();
+            const QString session = app->sessionTempDir();
+            app->openDocumentFile(write("slow3.trc", "slow\n"));
+            QVERIFY(app->mainFrame()->childFrames().first()->document()->isOpening());
+            app.reset();
+            QCOMPARE(g_events, QStringList({"close slow3.trc"}));
+            QVERIFY(!QFileInfo::exists(session));
+        }
+        QVERIFY(m_boxes->boxes.isEmpty());
+    }
+
     void perRunDirectoryGoesAtExit() {
         auto app = start();
         const QString session = app->sessionTempDir();
@@ -589,6 +851,7 @@ private slots:
         QVERIFY(leftover.open(QIODevice::WriteOnly));
         leftover.close();
         app->openDocumentFile(write("open.trc"));
+        QVERIFY(WaitForWork(*app));
 
         app.reset();
         QVERIFY(!QFileInfo::exists(session));

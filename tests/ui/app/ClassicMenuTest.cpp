@@ -4,8 +4,9 @@
 #include "app/CChildFrame.h"
 #include "app/CMainFrame.h"
 #include "app/MenuResources.h"
-#include "ui/MenuLookup.h"
 #include "ui/IsolatedTestMain.h"
+#include "ui/MenuLookup.h"
+#include "ui/OperationWaits.h"
 #include "ui/RecordingBoxes.h"
 
 #include <QAction>
@@ -29,11 +30,12 @@ const QString SecondSample = QStringLiteral(ZDT_SAMPLES_DIR "/all_types_601.trc"
 
 class ClassicMenuTest : public QObject {
     Q_OBJECT
-private slots:
+private Q_SLOTS:
     void classicTraceGetsEveryMenuItemFromItsView() {
         RecordingBoxes boxes;
         CAnalyzerApp app;
         QVERIFY(app.InitInstance({Sample}));
+        QVERIFY(operation_waits::WaitForWork(app));
         CMainFrame& frame = *app.mainFrame();
         QCOMPARE(frame.childFrames().size(), 1);
         CChildFrame* child = frame.childFrames().first();
@@ -71,6 +73,7 @@ private slots:
         CMainFrame& frame = *app.mainFrame();
         QVERIFY(app.openDocumentFile(Sample) != nullptr);
         QVERIFY(app.openDocumentFile(SecondSample) != nullptr);
+        QVERIFY(operation_waits::WaitForWork(app));
         QCOMPARE(frame.childFrames().size(), 2);
         CommandView* first = frame.childFrames()[0]->commandView();
         CommandView* second = frame.childFrames()[1]->commandView();
@@ -89,6 +92,7 @@ private slots:
         xpvt.write("<?xml version=\"1.0\"?>\n<Trace/>\n");
         xpvt.close();
         QVERIFY(app.openDocumentFile(xpvt.fileName()) != nullptr);
+        QVERIFY(operation_waits::WaitForWork(app));
         QCOMPARE(frame.menuResourceShown(), 139);
         QVERIFY(first->commandAction(ViewCommand::Find)->shortcut().isEmpty());
         QVERIFY(boxes.boxes.isEmpty());

@@ -170,6 +170,12 @@ private Q_SLOTS:
         QCOMPARE(buttonWidget->isEnabled(), item->isEnabled());
 
         QVERIFY(readToTheEnd(opened));
+        // The end of the read rebuilds the menus and tool bars: look the commands up anew.
+        item = MenuItem(frame, "&Session", "Filte&r...");
+        button = FilterButton(frame);
+        QVERIFY(button != nullptr && item != nullptr);
+        buttonWidget = frame.mainToolBar()->widgetForAction(button);
+        QVERIFY(buttonWidget != nullptr);
         QTRY_COMPARE(item->isEnabled(), filterWhenRead);
         QCOMPARE(button->isEnabled(), item->isEnabled());
         QCOMPARE(buttonWidget->isEnabled(), item->isEnabled());

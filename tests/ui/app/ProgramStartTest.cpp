@@ -13,7 +13,7 @@ private:
         return QDir(QCoreApplication::applicationDirPath()).absoluteFilePath("../zdt-analyzer");
     }
 
-private slots:
+private Q_SLOTS:
     void withoutDisplayItSaysWhatToDo() {
         const QString program = programPath();
         if (!QFileInfo(program).isExecutable())

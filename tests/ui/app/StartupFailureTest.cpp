@@ -47,7 +47,7 @@ public:
 
 class StartupFailureTest : public QObject {
     Q_OBJECT
-private slots:
+private Q_SLOTS:
     void fileBlockingTheTemporaryRootStopsTheStart() {
         FrameWatchingBoxes boxes;
         CAnalyzerApp app([] { return std::make_unique<NoDocuments>(); });

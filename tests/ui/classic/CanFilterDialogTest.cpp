@@ -69,7 +69,7 @@ private:
         return m_filterDir + name;
     }
 
-private slots:
+private Q_SLOTS:
     void init() {
         m_root = std::make_unique<TempDir>();
         fs::create_directories(Root("inst/bin"));
@@ -173,7 +173,8 @@ private slots:
         dialog.removeSelected();
         QCOMPARE(boxes.boxes.size(), 1);
         QCOMPARE(boxes.boxes[0].title, QString("Delete Can Filter"));
-        QCOMPARE(boxes.boxes[0].text, QString::fromStdString("Do you really want to delete\n" + m_filterDir + "c.flt ?"));
+        QCOMPARE(boxes.boxes[0].text,
+                 QString::fromStdString("Do you really want to delete\n" + m_filterDir + "c.flt ?"));
         QVERIFY(fs::exists(m_filterDir + "c.flt"));
 
         boxes.answerYes = true;
@@ -240,7 +241,8 @@ private slots:
         // A double click edits the entry under the mouse.
         QStringList shownIdentifiers;
         WhenModal<zdtui::FltEditorDialog>([&](zdtui::FltEditorDialog* editor) {
-            for (QListWidgetItem* item : editor->findChild<QListWidget*>("identifiers")->findItems("*", Qt::MatchWildcard))
+            for (QListWidgetItem* item :
+                 editor->findChild<QListWidget*>("identifiers")->findItems("*", Qt::MatchWildcard))
                 shownIdentifiers << item->text();
             editor->setStopFilter(true);
             editor->addIdentifier("7df", false);

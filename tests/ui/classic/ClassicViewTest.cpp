@@ -1,13 +1,17 @@
 #include "support/ClassicTraces.h"
+#include "ui/OperationWaits.h"
 #include "ui/RecordingBoxes.h"
 
 #include "ClassicTraceGenerator.h"
+#include "app/CChildFrame.h"
+#include "app/OperationStrip.h"
 #include "classic/CAnaView.h"
 #include "classic/CAnalyzerDoc.h"
 #include "classic/ClassicDocument.h"
 #include "classic/ClassicListModel.h"
 #include "classic/ClassicReport.h"
 #include "classic/ClassicRowFormatter.h"
+#include "common/RowTypes.h"
 #include "trace/CTraceItemI.h"
 
 #include <QAction>
@@ -15,7 +19,6 @@
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QPrinter>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -23,6 +26,7 @@
 #include <memory>
 
 using namespace zdtui;
+using namespace operation_waits;
 
 namespace {
 
@@ -37,14 +41,13 @@ public:
     QList<int> counts;
 };
 
-// A document opened through the desktop path, with its view.
+// A document opened through the desktop path: its view first, then the read to its end.
 struct OpenTrace {
     OpenTrace(const std::string& path) {
-        opened = document.open(QString::fromStdString(path), nullptr);
-        if (opened)
-            view.reset(static_cast<CAnaView*>(document.createView(nullptr, &status)));
-        if (view)
-            view->resize(900, 400);
+        view.reset(static_cast<CAnaView*>(document.createView(nullptr, &status)));
+        view->resize(900, 400);
+        outcome = OpenAndWait(document, QString::fromStdString(path));
+        opened = outcome.opened;
     }
     CAnalyzerDoc& doc() { return *document.analyzerDoc(); }
     ClassicListModel& model() { return *view->model(); }
@@ -52,6 +55,7 @@ struct OpenTrace {
     RecordingStatus status;
     ClassicDocument document;
     bool opened = false;
+    OpenOutcome outcome;
     std::unique_ptr<CAnaView> view;
 };
 
@@ -93,7 +97,7 @@ QStringList HeaderTexts(const ClassicListModel& model) {
 
 class ClassicViewTest : public QObject {
     Q_OBJECT
-private slots:
+private Q_SLOTS:
     void opensATraceAndShowsItsRowsAsTheFormatterMakesThem();
     void diagnosticTraceHasItsTitleAndNoIdentifierColumn();
     void headerMenuHidesShownColumnsAndSizesHiddenOnesToTheirText();
@@ -115,15 +119,17 @@ void ClassicViewTest::opensATraceAndShowsItsRowsAsTheFormatterMakesThem() {
     ClassicDocument document;
     QSignalSpy titles(&document, &UiDocument::titleChanged);
     RecordingStatus status;
-    QVERIFY(document.open(QString::fromStdString(path), nullptr));
     std::unique_ptr<CAnaView> view(static_cast<CAnaView*>(document.createView(nullptr, &status)));
     QVERIFY(view);
+    const OpenOutcome outcome = OpenAndWait(document, QString::fromStdString(path));
+    QVERIFY(outcome.opened);
+    QVERIFY(outcome.messages.empty());
     QVERIFY(boxes.boxes.isEmpty());
 
+    // Named after its file while it is read, after its kind once it is.
     const QString title = QStringLiteral("CAN Onboard Channel  ") + QString::fromStdString(path);
-    QVERIFY(!titles.isEmpty());
-    QCOMPARE(titles.last().at(0).toString(), title);
-    QTRY_VERIFY(titles.count() >= 3); // again once the frame could connect
+    QCOMPARE(titles.size(), 2);
+    QCOMPARE(titles.first().at(0).toString(), QString::fromStdString(path));
     QCOMPARE(titles.last().at(0).toString(), title);
     QCOMPARE(status.texts.last(), QString::fromStdString(path));
     QCOMPARE(status.counts.last(), 300);
@@ -167,6 +173,7 @@ void ClassicViewTest::headerMenuHidesShownColumnsAndSizesHiddenOnesToTheirText()
     TempDir dir;
     RecordingBoxes boxes;
     OpenTrace trace(TrafficTrace(dir, 200));
+    QVERIFY(trace.opened);
     CAnaView& view = *trace.view;
     const QFontMetrics metrics(view.rowFont());
     const int identifierSection = ClassicListModel::ModelColumn(ClassicColumn::Identifier);
@@ -216,6 +223,7 @@ void ClassicViewTest::bookmarksToggleAndWrapAndEnableTheirCommands() {
     TempDir dir;
     RecordingBoxes boxes;
     OpenTrace trace(TrafficTrace(dir, 50));
+    QVERIFY(trace.opened);
     CAnaView& view = *trace.view;
     QAction* next = view.commandAction(ViewCommand::NextBookmark);
     QAction* previous = view.commandAction(ViewCommand::PreviousBookmark);
@@ -245,7 +253,7 @@ void ClassicViewTest::bookmarksToggleAndWrapAndEnableTheirCommands() {
 
     view.onToggleBookmark(); // row 7 again: removed
     QVERIFY(!trace.model().cellText(7, 0).startsWith('B'));
-    QCOMPARE(trace.doc().Bookmarks(), (std::vector<std::uint32_t>{30}));
+    QCOMPARE(trace.doc().Bookmarks(), (std::vector<zdt::RowIndex>{30}));
 
     // The keys reach the view that has the focus.
     view.show();
@@ -265,6 +273,7 @@ void ClassicViewTest::findWrapsOnlyWhenTheUserAgrees() {
     TempDir dir;
     RecordingBoxes boxes;
     OpenTrace trace(TrafficTrace(dir, 120));
+    QVERIFY(trace.opened);
     CAnaView& view = *trace.view;
     QVERIFY(!view.commandAction(ViewCommand::FindNext)->isEnabled());
 
@@ -281,6 +290,7 @@ void ClassicViewTest::findWrapsOnlyWhenTheUserAgrees() {
     criteria.useIdentifier = true;
     criteria.identifierText = "7E8";
     view.runSearch(criteria, true, false);
+    QVERIFY(WaitUntilIdle(trace.document));
     QVERIFY(boxes.boxes.isEmpty());
     QCOMPARE(view.selectedRow(), expected.first()); // the first hit is selected
     QVERIFY(view.commandAction(ViewCommand::FindNext)->isEnabled());
@@ -314,7 +324,8 @@ void ClassicViewTest::findWrapsOnlyWhenTheUserAgrees() {
 
     // Mark All bookmarks every hit.
     view.runSearch(criteria, true, true);
-    std::vector<std::uint32_t> marked(expected.begin(), expected.end());
+    QVERIFY(WaitUntilIdle(trace.document));
+    std::vector<zdt::RowIndex> marked(expected.begin(), expected.end());
     QCOMPARE(trace.doc().Bookmarks(), marked);
     QCOMPARE(trace.model().cellText(static_cast<int>(expected[1]), 0).left(1), QStringLiteral("B"));
 }
@@ -323,11 +334,13 @@ void ClassicViewTest::searchWithoutHitsSaysSo() {
     TempDir dir;
     RecordingBoxes boxes;
     OpenTrace trace(TrafficTrace(dir, 40));
+    QVERIFY(trace.opened);
     ClassicFindCriteria criteria;
     criteria.useIdentifier = true;
     criteria.identifierText = "ABCDEF12";
     trace.view->selectRow(3);
     trace.view->runSearch(criteria, true, false);
+    QVERIFY(WaitUntilIdle(trace.document));
     QCOMPARE(boxes.boxes.size(), 1);
     QCOMPARE(boxes.boxes[0].title, QStringLiteral("Search"));
     QCOMPARE(boxes.boxes[0].text, QStringLiteral("Nothing Found!"));
@@ -345,6 +358,7 @@ void ClassicViewTest::timeStyleChangesTheShownTimes() {
     RecordingBoxes boxes;
     const std::string path = dir.Write("c.trc", classic_traces::Can601());
     OpenTrace trace(path);
+    QVERIFY(trace.opened);
     ClassicListModel& model = trace.model();
     const int time = ClassicListModel::ModelColumn(ClassicColumn::Time);
     // Absolute times 1000, 1500 and 3000 microseconds; relative shows the gaps.
@@ -371,13 +385,29 @@ void ClassicViewTest::filterCommandRebuildsTheRowsAwayFromTheWindows() {
     const std::string path = TrafficTrace(dir, 400);
     const std::string flt = dir.Write("ids.flt", classic_traces::Filter("PassFilter", {"7E8", "7DF"}));
     OpenTrace trace(path);
-    int progress = 0;
-    connect(&trace.document, &ClassicDocument::progressStarted, this, [&progress] { ++progress; });
+    QVERIFY(trace.opened);
+    QList<BackgroundOperation*> passes;
+    connect(&trace.document, &UiDocument::operationStarted, this, [&passes](BackgroundOperation* operation) {
+        passes << operation;
+        // A filter pass may not stop half-way: no Cancel is offered for it.
+        QVERIFY(!operation->isCancellable());
+    });
+    QSignalSpy suspended(trace.view->model(), &QAbstractItemModel::modelReset);
     trace.view->selectRow(10);
     trace.view->onToggleBookmark();
 
     trace.document.finishCanFilter({true, true, true, "ids.flt"}, flt, nullptr);
-    QCOMPARE(progress, 1);
+    QCOMPARE(passes.size(), 1);
+    // While the pass rewrites the rows the list shows none and the commands wait.
+    QVERIFY(trace.document.isBusy());
+    QCOMPARE(trace.model().rowCount(), 0);
+    QVERIFY(!trace.view->commandAction(ViewCommand::Find)->isEnabled());
+    QVERIFY(!trace.view->commandAction(ViewCommand::CanFilter)->isEnabled());
+    // A second command while it runs does nothing.
+    trace.document.finishCanFilter({true, false, false, ""}, "", nullptr);
+    QCOMPARE(passes.size(), 1);
+    QVERIFY(WaitUntilIdle(trace.document));
+    QVERIFY(trace.view->commandAction(ViewCommand::Find)->isEnabled());
     const int filtered = trace.model().rowCount();
     QVERIFY(filtered > 10 && filtered < 400);
     QCOMPARE(filtered, static_cast<int>(trace.doc().GetVisibleCount()));
@@ -391,9 +421,11 @@ void ClassicViewTest::filterCommandRebuildsTheRowsAwayFromTheWindows() {
 
     // Unchanged: nothing happens. Off: the whole file again.
     trace.document.finishCanFilter({true, true, false, "ids.flt"}, flt, nullptr);
-    QCOMPARE(progress, 1);
+    QCOMPARE(passes.size(), 1);
+    QVERIFY(!trace.document.isBusy());
     trace.document.finishCanFilter({true, false, false, ""}, "", nullptr);
-    QCOMPARE(progress, 2);
+    QCOMPARE(passes.size(), 2);
+    QVERIFY(WaitUntilIdle(trace.document));
     QCOMPARE(trace.model().rowCount(), 400);
     QCOMPARE(trace.status.counts.last(), 400);
     ExpectRowsAsFormatted(trace.model(), path, TimeMode::Relative);
@@ -404,6 +436,7 @@ void ClassicViewTest::sbtExportWritesTheReport() {
     TempDir dir;
     RecordingBoxes boxes;
     OpenTrace trace(dir.Write("c.trc", classic_traces::Can601()));
+    QVERIFY(trace.opened);
     const QString file = QString::fromStdString(dir.File("report.sbt"));
     QVERIFY(trace.view->saveAsAscii(file));
     QFile written(file);
@@ -426,6 +459,7 @@ void ClassicViewTest::printingFillsThePagesOfTheLayout() {
     TempDir dir;
     RecordingBoxes boxes;
     OpenTrace trace(TrafficTrace(dir, 150));
+    QVERIFY(trace.opened);
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setResolution(300);
@@ -456,25 +490,36 @@ void ClassicViewTest::cancelledOpenLeavesNoDocument() {
     options.targetBytes = 20u << 20; // more than one block of the index pass
     const std::string path = dir.Write("big.trc", zdtgen::MakeClassicTrace(options));
 
-    ClassicDocument document;
-    bool clicked = false;
-    connect(&document, &ClassicDocument::progressStarted, &document, [&clicked](QProgressDialog* dialog) {
-        auto* cancel = dialog->findChild<QPushButton*>();
-        QVERIFY(cancel != nullptr);
-        cancel->click();
-        clicked = true;
-    });
+    // The window as the application makes it: the list, and below it the strip.
+    RecordingStatus status;
+    auto owned = std::make_unique<ClassicDocument>();
+    ClassicDocument& document = *owned;
+    CChildFrame child(std::move(owned), &status, QStringLiteral("big.trc"));
+    child.show();
+    auto* view = qobject_cast<CAnaView*>(child.view());
+    QVERIFY(view != nullptr);
     QSignalSpy titles(&document, &UiDocument::titleChanged);
-    QVERIFY(!document.open(QString::fromStdString(path), nullptr));
-    QVERIFY(clicked);
-    QVERIFY(document.analyzerDoc() == nullptr);
-    QVERIFY(document.createView(nullptr, nullptr) == nullptr);
+    QSignalSpy finished(&document, &UiDocument::openFinished);
+    document.startOpen(QString::fromStdString(path));
+    QVERIFY(document.isOpening());
+    QVERIFY(child.operationStrip()->isVisible());
+    // Cancel once some rows are on screen.
+    QVERIFY(QTest::qWaitFor([&] { return view->model()->rowCount() > 0 || !finished.isEmpty(); }, WorkTimeoutMs));
+    QVERIFY(finished.isEmpty());
+    child.operationStrip()->cancelButton()->click();
+    QVERIFY(finished.wait(WorkTimeoutMs));
+    QCOMPARE(finished.first().at(0).toBool(), false);
+    QVERIFY(!document.isOpening());
+    QVERIFY(!child.operationStrip()->isVisible());
+    QVERIFY(document.takeOpenMessages().empty());
     QVERIFY(boxes.boxes.isEmpty());
-    QCOMPARE(titles.count(), 0);
+    // Only the name it was opened under; the kind of the trace was never learnt.
+    QCOMPARE(titles.size(), 1);
+    QVERIFY(document.title() == QString::fromStdString(path));
 
     // The same file opens when nobody cancels.
     ClassicDocument again;
-    QVERIFY(again.open(QString::fromStdString(path), nullptr));
+    QVERIFY(OpenAndWait(again, QString::fromStdString(path)).opened);
     QVERIFY(again.analyzerDoc()->GetVisibleCount() > 100000);
 }
 
@@ -485,7 +530,9 @@ void ClassicViewTest::closeClearsTheStatusAndRecordsTheFilter() {
     const std::string flt = dir.Write("ids.flt", classic_traces::Filter("PassFilter", {"7E8"}));
     {
         OpenTrace trace(path);
+        QVERIFY(trace.opened);
         trace.document.finishCanFilter({true, true, true, "ids.flt"}, flt, nullptr);
+        QVERIFY(WaitUntilIdle(trace.document));
         trace.document.close();
         QCOMPARE(trace.status.texts.last(), QString());
         QCOMPARE(trace.status.counts.last(), 0);
@@ -494,11 +541,14 @@ void ClassicViewTest::closeClearsTheStatusAndRecordsTheFilter() {
 
     // An invalid file: the core's box, in order, and no document.
     const std::string bad = dir.Write("bad.trc", "just text\r\n");
+    // The box waits for whoever shows it, once the window went.
     ClassicDocument document;
-    QVERIFY(!document.open(QString::fromStdString(bad), nullptr));
-    QVERIFY(!boxes.boxes.isEmpty());
-    QCOMPARE(boxes.boxes.last().text, QStringLiteral("The TraceFile ") + QString::fromStdString(bad) +
-                                          QStringLiteral(" is an invalid trace file!"));
+    const OpenOutcome outcome = OpenAndWait(document, QString::fromStdString(bad));
+    QVERIFY(outcome.ended);
+    QVERIFY(!outcome.opened);
+    QVERIFY(boxes.boxes.isEmpty());
+    QCOMPARE(MessageTexts(outcome.messages).last(), QStringLiteral("The TraceFile ") + QString::fromStdString(bad) +
+                                                        QStringLiteral(" is an invalid trace file!"));
 }
 
 QTEST_MAIN(ClassicViewTest)

@@ -14,8 +14,7 @@ namespace dialog_driver {
 // Calls `act` with the modal dialog of type T as soon as it is the active modal
 // widget. Gives up after a few seconds, so that a dialog that never comes fails the
 // test instead of hanging it.
-template <class T>
-void WhenModal(std::function<void(T*)> act) {
+template <class T> void WhenModal(std::function<void(T*)> act) {
     auto* timer = new QTimer;
     const QDeadlineTimer deadline(5000);
     timer->setInterval(5);
@@ -32,8 +31,7 @@ void WhenModal(std::function<void(T*)> act) {
 }
 
 // The child button or other widget of `parent` with exactly this text.
-template <class W = QAbstractButton>
-W* ChildWithText(const QWidget* parent, const QString& text) {
+template <class W = QAbstractButton> W* ChildWithText(const QWidget* parent, const QString& text) {
     for (W* child : parent->findChildren<W*>()) {
         if (child->text() == text)
             return child;

@@ -1,4 +1,5 @@
 #include "support/ClassicTraces.h"
+#include "ui/OperationWaits.h"
 #include "ui/RecordingBoxes.h"
 
 #include "ClassicTraceGenerator.h"
@@ -7,6 +8,7 @@
 #include "classic/CFindDlg.h"
 #include "classic/ClassicDocument.h"
 #include "classic/ClassicListModel.h"
+#include "common/RowTypes.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -45,7 +47,7 @@ FindDialogEnabling AllEvents() {
 
 class FindDialogTest : public QObject {
     Q_OBJECT
-private slots:
+private Q_SLOTS:
     void controlsCarryTheirIdsLabelsAndLimits();
     void enablingFollowsTheTraceAndTheChecks();
     void hexEditsRefuseTheLastCharacterTyped();
@@ -220,8 +222,8 @@ void FindDialogTest::markAllThroughTheDialogBookmarksEveryHit() {
     options.records = 80;
     const std::string path = dir.Write("t.trc", zdtgen::MakeClassicTrace(options));
     ClassicDocument document;
-    QVERIFY(document.open(QString::fromStdString(path), nullptr));
     std::unique_ptr<CAnaView> view(static_cast<CAnaView*>(document.createView(nullptr, nullptr)));
+    QVERIFY(operation_waits::OpenAndWait(document, QString::fromStdString(path)).opened);
 
     bool answered = false;
     QTimer::singleShot(0, this, [&] {
@@ -234,13 +236,14 @@ void FindDialogTest::markAllThroughTheDialogBookmarksEveryHit() {
     });
     view->commandAction(ViewCommand::Find)->trigger();
     QVERIFY(answered);
+    QVERIFY(operation_waits::WaitUntilIdle(document));
     QVERIFY(boxes.boxes.isEmpty());
 
-    const std::vector<std::uint32_t> hits = document.analyzerDoc()->FindResults();
+    const std::vector<zdt::RowIndex> hits = document.analyzerDoc()->FindResults();
     QVERIFY(hits.size() >= 2);
     QCOMPARE(document.analyzerDoc()->Bookmarks(), hits);
     QCOMPARE(view->selectedRow(), static_cast<long long>(hits.front()));
-    for (std::uint32_t row : hits)
+    for (zdt::RowIndex row : hits)
         QVERIFY(view->model()->cellText(static_cast<int>(row), ClassicListModel::MarkColumn).startsWith('B'));
 
     // The next search through OK alone leaves the bookmarks alone.
@@ -251,8 +254,9 @@ void FindDialogTest::markAllThroughTheDialogBookmarksEveryHit() {
         Edit(*dialog, CFindDlg::IdIdentifier)->setText("7DF");
         dialog->findChild<QPushButton*>("1")->click();
     });
-    const std::vector<std::uint32_t> marked = document.analyzerDoc()->Bookmarks();
+    const std::vector<zdt::RowIndex> marked = document.analyzerDoc()->Bookmarks();
     view->onFind();
+    QVERIFY(operation_waits::WaitUntilIdle(document));
     QCOMPARE(document.analyzerDoc()->Bookmarks(), marked);
     QVERIFY(!document.analyzerDoc()->FindResults().empty());
     QVERIFY(document.analyzerDoc()->FindResults() != hits);

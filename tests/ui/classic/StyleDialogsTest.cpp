@@ -1,7 +1,7 @@
+#include "classic/StyleDialogs.h"
 #include "classic/CSettingsInfo.h"
 #include "classic/CStyleCan.h"
 #include "classic/CStyleDiagnostic.h"
-#include "classic/StyleDialogs.h"
 #include "ui/RecordingBoxes.h"
 #include "ui/classic/DialogDriver.h"
 
@@ -45,7 +45,7 @@ QGroupBox* ByteTimeGroup(QWidget* dialog) {
 class StyleDialogsTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void canStyleReturnsTheChosenMode() {
         TimeMode mode = TimeMode::Relative;
         QString title;
@@ -154,8 +154,8 @@ private slots:
 
     void sessionInfoShowsTheFieldsInOrder() {
         const std::vector<std::pair<std::string, std::string>> fields = {
-            {"Title:", "ZDT Trace File"}, {"Product Version:", "7.1.2"}, {"Interface Board:", "VCI-4"},
-            {"Date:", "21.11.2026"},      {"Time:", "14:05:09"},         {"No.Items:", "3"},
+            {"Title:", "ZDT Trace File"},     {"Product Version:", "7.1.2"}, {"Interface Board:", "VCI-4"},
+            {"Date:", "21.11.2026"},          {"Time:", "14:05:09"},         {"No.Items:", "3"},
             {"Last CANFilter:", "engine.flt"}};
         zdtui::CSettingsInfo dialog(nullptr, fields);
         QCOMPARE(dialog.windowTitle(), QString("Session Info"));

@@ -57,7 +57,7 @@ void pressWhenShown(const QString& buttonName) {
 
 class FindSheetsTest : public QObject {
     Q_OBJECT
-private slots:
+private Q_SLOTS:
     // A parameter search by name on the Request page, set through the controls as a
     // user would: the pairs and the enabling follow the clicks.
     void requestPageFindWritesTheRecord() {

@@ -46,7 +46,7 @@ QStringList ListNames(QListWidget* list) {
 class SnpDialogsTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     // The link row searches the text of the "Created" edit, which is disabled but keeps
     // its text once the link is chosen; the link's own edit has no effect.
     void findTakesTheLinkNameFromTheCreatedEdit() {
@@ -58,8 +58,9 @@ private slots:
         bool tickKept = false;
         WhenModal<SnpFindDialog>([&](SnpFindDialog* dialog) {
             title = dialog->windowTitle();
-            startedOnSnapshot = ChildWithText(dialog, "Snapshot")->isChecked() && Box(dialog, FindField::Created)->isEnabled() &&
-                                !Box(dialog, FindField::LinkName)->isEnabled() && !Edit(dialog, FindField::Created)->isEnabled();
+            startedOnSnapshot =
+                ChildWithText(dialog, "Snapshot")->isChecked() && Box(dialog, FindField::Created)->isEnabled() &&
+                !Box(dialog, FindField::LinkName)->isEnabled() && !Edit(dialog, FindField::Created)->isEnabled();
             Box(dialog, FindField::Created)->click();
             createdEditFollowsItsBox = Edit(dialog, FindField::Created)->isEnabled();
             Edit(dialog, FindField::Created)->setText("Engine");

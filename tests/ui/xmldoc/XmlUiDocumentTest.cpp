@@ -1,13 +1,14 @@
 // What both XML families share in their windows: the list keeps showing its rows while
 // a search marks them on the worker thread, only the current window's document writes
 // the status bar, and a document reads its file once.
-#include "snp/SnpDocInUi.h"
-#include "xpvt/XpvtDocInUi.h"
+#include "snp/SnpDoc.h"
+#include "xpvt/XpvtDoc.h"
 
 #include "SnapshotGenerator.h"
 #include "XpvtTraceGenerator.h"
 #include "app/UiDocument.h"
 #include "snp/SnpUiDocument.h"
+#include "ui/OperationWaits.h"
 #include "ui/RecordingBoxes.h"
 #include "xmldoc/AdornedListModel.h"
 #include "xmldoc/XmlListView.h"
@@ -18,7 +19,7 @@
 #include <QFile>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QProgressDialog>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -28,6 +29,7 @@
 #include <memory>
 
 using namespace zdtui;
+using namespace operation_waits;
 
 namespace {
 
@@ -40,21 +42,20 @@ struct Family {
 };
 
 const Family Families[] = {
-    {"snapshot",
-     [](const QString& swap) { return std::make_unique<SnpUiDocument>(swap); },
+    {"snapshot", [](const QString& swap) { return std::make_unique<SnpUiDocument>(swap); },
      [](std::ostream& out, std::uint64_t bytes) {
          zdtgen::SnapshotOptions options;
          options.targetBytes = bytes;
          zdtgen::WriteSnapshot(out, options);
      },
      [](XmlUiDocument& document, QWidget* parent) {
-         ZDTAnalyzer::SnpFindCriteria criteria;
+         // The search reads the criteria while it runs.
+         static ZDTAnalyzer::SnpFindCriteria criteria;
          criteria.searchProcessValue = true;
-         criteria.valueNameOn = true;  // an empty text is found in every name
+         criteria.valueNameOn = true; // an empty text is found in every name
          static_cast<SnpUiDocument&>(document).runFind(parent, criteria);
      }},
-    {"process value trace",
-     [](const QString& swap) { return std::make_unique<XpvtUiDocument>(swap); },
+    {"process value trace", [](const QString& swap) { return std::make_unique<XpvtUiDocument>(swap); },
      [](std::ostream& out, std::uint64_t bytes) {
          zdtgen::XpvtTraceOptions options;
          options.schema = zdtgen::XpvtSchema::V701;
@@ -71,7 +72,9 @@ const Family Families[] = {
 
 class RecordingStatus final : public StatusSink {
 public:
-    void SetStatusDocument(const QString& text, int count) override { writes << QStringLiteral("%1 %2").arg(text).arg(count); }
+    void SetStatusDocument(const QString& text, int count) override {
+        writes << QStringLiteral("%1 %2").arg(text).arg(count);
+    }
     void SetStatusText(const QString& text) override { writes << text; }
     QStringList writes;
 };
@@ -81,7 +84,7 @@ QString Cell(XmlListView& view, int row, int column) {
     return model->data(model->index(row, column), Qt::DisplayRole).toString();
 }
 
-}  // namespace
+} // namespace
 
 class XmlUiDocumentTest : public QObject {
     Q_OBJECT
@@ -99,7 +102,7 @@ class XmlUiDocumentTest : public QObject {
 
     static XmlListView* viewOf(QWidget* widget) { return qobject_cast<XmlListView*>(widget); }
 
-private slots:
+private Q_SLOTS:
     void init() {
         m_dir = std::make_unique<QTemporaryDir>();
         QVERIFY(m_dir->isValid());
@@ -118,7 +121,7 @@ private slots:
             QVERIFY(view != nullptr);
             view->resize(900, 400);
             view->show();
-            QVERIFY2(document->open(path, nullptr), family.name);
+            QVERIFY2(OpenAndWait(*document, path).opened, family.name);
             const int rows = qMin(view->itemCount(), 30);
             QVERIFY(rows > 10);
             QStringList before;
@@ -130,7 +133,7 @@ private slots:
             QTimer sampler;
             sampler.setInterval(0);
             connect(&sampler, &QTimer::timeout, this, [&] {
-                if (!document->isSearching() || !shown.isEmpty())
+                if (!document->isBusy() || !shown.isEmpty())
                     return;
                 ++samples;
                 for (int row = 0; row < rows; ++row) {
@@ -139,8 +142,10 @@ private slots:
                 }
                 view->viewport()->grab();
             });
-            connect(document.get(), &XmlUiDocument::progressStarted, &sampler, [&] { sampler.start(); });
+            connect(document.get(), &UiDocument::operationStarted, &sampler, [&] { sampler.start(); });
             family.search(*document, view.get());
+            QVERIFY(document->isBusy());
+            QVERIFY(WaitUntilIdle(*document));
             sampler.stop();
             QVERIFY2(samples > 0, family.name);
             QVERIFY2(shown.isEmpty(), qPrintable(QString(family.name) + ": " + shown.join(", ")));
@@ -166,13 +171,18 @@ private slots:
             currentWindow->show();
             area.setActiveSubWindow(currentWindow);
 
-            QVERIFY2(behind->open(path, nullptr), family.name);
+            QVERIFY2(OpenAndWait(*behind, path).opened, family.name);
             QCOMPARE(status.writes, QStringList());
-            QVERIFY(current->open(path, nullptr));
+            QVERIFY(OpenAndWait(*current, path).opened);
             const int rows = current->baseDoc().container().rowCount();
             QCOMPARE(status.writes.last(), QStringLiteral("%1 %2").arg(path).arg(rows));
             // A document reads its file once.
-            QVERIFY(!current->open(path, nullptr));
+            QSignalSpy again(current.get(), &UiDocument::openFinished);
+            current->startOpen(path);
+            QVERIFY(!current->isOpening());
+            QVERIFY(!current->isBusy());
+            QTest::qWait(20);
+            QCOMPARE(again.size(), 0);
 
             status.writes.clear();
             viewOf(behindWindow->widget())->activateView();

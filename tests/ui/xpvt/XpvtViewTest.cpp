@@ -1,14 +1,15 @@
 // The process value trace window: files of both schemas opened window-first, their
 // columns, colours and menus, the column toggles that differ by schema, the go-to
 // commands' boxes, find per schema, the session dialog and a cancelled open.
-#include "xpvt/XpvtDocInUi.h"
+#include "xpvt/XpvtDoc.h"
 
-#include "ui/IsolatedTestMain.h"
-#include "ui/RecordingBoxes.h"
 #include "XpvtTraceGenerator.h"
 #include "app/CAnalyzerApp.h"
 #include "app/CChildFrame.h"
 #include "app/CMainFrame.h"
+#include "ui/IsolatedTestMain.h"
+#include "ui/OperationWaits.h"
+#include "ui/RecordingBoxes.h"
 #include "xmldoc/AdornedListModel.h"
 #include "xpvt/XpvtSessionInfoDialog.h"
 #include "xpvt/XpvtUiDocument.h"
@@ -22,7 +23,6 @@
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
-#include <QProgressDialog>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -31,6 +31,7 @@
 #include <memory>
 
 using namespace zdtui;
+using namespace operation_waits;
 
 namespace {
 
@@ -76,10 +77,14 @@ QString TraceText(const char* schema, const char* trace) {
 
 QColor ColourOfDigit(QChar digit) {
     switch (digit.unicode()) {
-    case '0': return QColor(0, 0, 0xFF);
-    case '1': return QColor(0, 0x80, 0);
-    case '2': return QColor(0, 0, 0);
-    default: return QColor(0xFF, 0, 0);
+    case '0':
+        return QColor(0, 0, 0xFF);
+    case '1':
+        return QColor(0, 0x80, 0);
+    case '2':
+        return QColor(0, 0, 0);
+    default:
+        return QColor(0xFF, 0, 0);
     }
 }
 
@@ -113,7 +118,7 @@ QStringList ColumnsMenuTexts(CMainFrame& frame) {
     return {QStringLiteral("no columns popup")};
 }
 
-}  // namespace
+} // namespace
 
 class XpvtViewTest : public QObject {
     Q_OBJECT
@@ -137,6 +142,7 @@ class XpvtViewTest : public QObject {
         std::unique_ptr<XpvtUiDocument> document;
         std::unique_ptr<XpvtView> view;
         bool ok = false;
+        QStringList messages;
     };
     Opened openWindowFirst(const QString& path) {
         Opened opened;
@@ -146,7 +152,9 @@ class XpvtViewTest : public QObject {
             return opened;
         opened.view->resize(1300, 400);
         opened.view->show();
-        opened.ok = opened.document->open(path, nullptr);
+        const OpenOutcome outcome = OpenAndWait(*opened.document, path);
+        opened.ok = outcome.opened;
+        opened.messages = MessageTexts(outcome.messages);
         return opened;
     }
 
@@ -185,7 +193,7 @@ class XpvtViewTest : public QObject {
             QVERIFY2(digits.contains(digit), qPrintable(digits));
     }
 
-private slots:
+private Q_SLOTS:
     void initTestCase() {
         // The settings of the person running the tests stay untouched.
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settingsDir.path());
@@ -237,8 +245,8 @@ private slots:
         QVERIFY(opened.ok);
         XpvtView& view = *opened.view;
         QVERIFY(view.laidOutFor702());
-        QCOMPARE(titles(view), QStringList({"", "Line", "Event", "LogicalLink", "Location", "ID", "Time",
-                                            "Description", "Value", "Unit", "RangeInfo"}));
+        QCOMPARE(titles(view), QStringList({"", "Line", "Event", "LogicalLink", "Location", "ID", "Time", "Description",
+                                            "Value", "Unit", "RangeInfo"}));
         QCOMPARE(widths(view), QList<int>({35, 30, 150, 160, 160, 40, 110, 200, 200, 40, 120}));
         for (int column : {1, 5})
             QCOMPARE(view.columnAlignment(column), Qt::AlignRight);
@@ -261,7 +269,8 @@ private slots:
 
     void stored702WidthsAreUsedOnlyWhenTwelve() {
         QSettings settings(QStringLiteral("Norvika"), QStringLiteral("ZDT7"));
-        settings.setValue(QStringLiteral("XPVT/ColumnSettings"), QStringLiteral("36/31/151/0/161/41/111/201/201/41/121/9"));
+        settings.setValue(QStringLiteral("XPVT/ColumnSettings"),
+                          QStringLiteral("36/31/151/0/161/41/111/201/201/41/121/9"));
         settings.sync();
         RecordingBoxes boxes;
         {
@@ -270,7 +279,8 @@ private slots:
             // A stored width of 0 starts the column hidden.
             QCOMPARE(widths(*opened.view), QList<int>({36, 31, 151, 0, 161, 41, 111, 201, 201, 41, 121}));
         }
-        settings.setValue(QStringLiteral("XPVT/ColumnSettings"), QStringLiteral("36/31/151/1/161/41/111/201/201/41/121"));
+        settings.setValue(QStringLiteral("XPVT/ColumnSettings"),
+                          QStringLiteral("36/31/151/1/161/41/111/201/201/41/121"));
         settings.sync();
         Opened opened = openWindowFirst(writeFile("d.xpvt", TraceText("7,02", Trace702)));
         QVERIFY(opened.ok);
@@ -373,10 +383,10 @@ private slots:
         for (int id : {AdornedListView::PreviousBookmarkId, AdornedListView::NextBookmarkId,
                        AdornedListView::FindNextId, AdornedListView::FindPreviousId})
             view.goTo(id);
-        QCOMPARE(boxes.Texts(), QStringList({"No bookmarks are set. Can't go back bookmark.",
-                                             "No bookmarks are set. Can't go next bookmark.",
-                                             "No find results. Can't go next find result.",
-                                             "No find results. Can't go next find result."}));
+        QCOMPARE(boxes.Texts(),
+                 QStringList(
+                     {"No bookmarks are set. Can't go back bookmark.", "No bookmarks are set. Can't go next bookmark.",
+                      "No find results. Can't go next find result.", "No find results. Can't go next find result."}));
         QVERIFY(!view.commandAction(ViewCommand::NextBookmark)->isEnabled());
 
         // An automatic bookmark marks the row and moves the selection on to it.
@@ -401,6 +411,7 @@ private slots:
         criteria.searchPrimitives = true;
         criteria.matchAll = true;
         opened.document->runFind(&view);
+        QVERIFY(WaitUntilIdle(*opened.document));
         QVERIFY(boxes.boxes.isEmpty());
         QCOMPARE(opened.document->xpvtDoc().findResults(), std::vector<int>{1});
         // The list shows the mark at once and the walk commands come alive.
@@ -472,13 +483,14 @@ private slots:
         CMainFrame& frame = *app.mainFrame();
         QVERIFY(qobject_cast<XpvtUiDocument*>(app.openDocumentFile(writeFile("o.XPVT", TraceText("7.01", Trace701)))));
         QVERIFY(qobject_cast<XpvtUiDocument*>(app.openDocumentFile(writeFile("n.xpvt", TraceText("7,02", Trace702)))));
+        QVERIFY(WaitForWork(app));
         QCOMPARE(frame.childFrames().size(), 2);
         const QStringList old{"EVENT", "LOGICALLINK", "CANID", "ABSTIME", "DESCRIPTION", "VALUE", "RANGEINFO"};
-        const QStringList next{"EVENT", "LOGICAL LINK", "LOCATION", "ID", "TIME", "DESCRIPTION", "VALUE", "UNIT",
-                               "RANGEINFO"};
+        const QStringList next{"EVENT",       "LOGICAL LINK", "LOCATION", "ID",       "TIME",
+                               "DESCRIPTION", "VALUE",        "UNIT",     "RANGEINFO"};
         for (CChildFrame* child : frame.childFrames()) {
             frame.mdiArea()->setActiveSubWindow(child);
-            auto* view = qobject_cast<XpvtView*>(child->widget());
+            auto* view = qobject_cast<XpvtView*>(child->view());
             QVERIFY(view != nullptr);
             QTRY_COMPARE(ColumnsMenuTexts(frame), view->is702() ? next : old);
         }
@@ -497,13 +509,17 @@ private slots:
         auto document = std::make_unique<XpvtUiDocument>(swapDirectory());
         std::unique_ptr<QWidget> view(document->createView(nullptr, nullptr));
         bool wasOpening = false;
-        connect(document.get(), &XpvtUiDocument::progressStarted, this, [&](QProgressDialog*) {
-            wasOpening = document->isOpening();
-            document->cancelOpening();
+        connect(document.get(), &UiDocument::operationStarted, this, [&](BackgroundOperation* operation) {
+            wasOpening = document->isOpening() && operation == document->operation();
+            document->cancelOperation();
         });
-        QVERIFY(!document->open(path, nullptr));
+        const OpenOutcome outcome = OpenAndWait(*document, path);
+        QVERIFY(outcome.ended);
+        QVERIFY(!outcome.opened);
         QVERIFY(wasOpening);
         QVERIFY(!document->isOpening());
+        QVERIFY(!document->isBusy());
+        QVERIFY(outcome.messages.empty());
         QVERIFY(boxes.boxes.isEmpty());
         document->close();
         view.reset();
@@ -517,8 +533,9 @@ private slots:
         text.chop(30);
         Opened opened = openWindowFirst(writeFile("broken.xpvt", text));
         QVERIFY(!opened.ok);
-        QCOMPARE(boxes.boxes.size(), 1);
-        QVERIFY2(boxes.boxes[0].text.startsWith("XML error: "), qPrintable(boxes.boxes[0].text));
+        QCOMPARE(opened.messages.size(), 1);
+        QVERIFY2(opened.messages[0].startsWith("XML error: "), qPrintable(opened.messages[0]));
+        QVERIFY(boxes.boxes.isEmpty());
     }
 };
 

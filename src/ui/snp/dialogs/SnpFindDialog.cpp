@@ -23,12 +23,9 @@ struct RadioRow {
 
 // The radio groups in their order, each with the boxes it owns.
 constexpr RadioRow Radios[] = {
-    {"Snapshot", ZDTAnalyzer::Find::SNP::RadioSnapShot},
-    {"LogicalLink", ZDTAnalyzer::Find::SNP::RadioLogicalLink},
-    {"Service", ZDTAnalyzer::Find::SNP::RadioService},
-    {"ComPrimitive", ZDTAnalyzer::Find::SNP::RadioComPrimitive},
-    {"DTC", ZDTAnalyzer::Find::SNP::RadioDtc},
-    {"ProcessValue", ZDTAnalyzer::Find::SNP::RadioProcessValue},
+    {"Snapshot", ZDTAnalyzer::Find::SNP::RadioSnapShot}, {"LogicalLink", ZDTAnalyzer::Find::SNP::RadioLogicalLink},
+    {"Service", ZDTAnalyzer::Find::SNP::RadioService},   {"ComPrimitive", ZDTAnalyzer::Find::SNP::RadioComPrimitive},
+    {"DTC", ZDTAnalyzer::Find::SNP::RadioDtc},           {"ProcessValue", ZDTAnalyzer::Find::SNP::RadioProcessValue},
 };
 
 constexpr const char* CheckBoxLabels[FindFieldCount] = {
@@ -36,7 +33,7 @@ constexpr const char* CheckBoxLabels[FindFieldCount] = {
 };
 
 constexpr const char* FieldKeys[FindFieldCount] = {
-    "shortName", "longName", "created", "linkName", "serviceName",
+    "shortName",        "longName", "created",   "linkName",  "serviceName",
     "comPrimitiveName", "dtcValue", "valueName", "valueUnit", "valueText",
 };
 
