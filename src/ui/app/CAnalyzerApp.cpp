@@ -9,6 +9,7 @@
 #include "app/DocumentRoute.h"
 #include "app/HelpWindow.h"
 #include "app/WaitCursor.h"
+#include "common/ChildProcess.h"
 #include "snp/SnpTemplate.h"
 #include "xpvt/XpvtTemplate.h"
 
@@ -57,6 +58,9 @@ CAnalyzerApp::~CAnalyzerApp() {
             child->close();
         m_mainFrame.reset();
     }
+    // Closing a window ends its work and the tools that work started; this catches any
+    // tool started outside a document's work.
+    zdt::KillRunningChildProcesses();
     delete m_helpWindow;
     if (g_application == this)
         g_application = nullptr;
