@@ -4,7 +4,10 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ make pkg-config libgtest-dev libgmock-dev libexpat1-dev
-          qt6-base-dev qt6-base-dev-tools libgl-dev fonts-dejavu-core clang-format)
+          qt6-base-dev qt6-base-dev-tools qt6-charts-dev libqt6opengl6-dev libgl-dev fonts-dejavu-core clang-format
+          dpkg-dev desktop-file-utils shared-mime-info
+          default-jre-headless libsaxonhe-java
+          xalan fop poppler-utils)
 if [ "${ZDT_WITH_FUZZ:-0}" = "1" ]; then
     packages+=(clang libclang-rt-14-dev)
 fi

@@ -4,7 +4,6 @@
 #include "app/BrandEdition.h"
 #include "classic/ClassicReport.h"
 #include "classic/ClassicRowFormatter.h"
-#include "classic/TextFormat.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -61,18 +60,8 @@ private:
 
 // Formats rows [first, end) into `text`, one tab-separated line each.
 void FormatRows(ClassicRowFormatter& formatter, zdt::RowIndex first, zdt::RowIndex end, std::string& text) {
-    ClassicRow formatted;
-    for (zdt::RowIndex row = first; row < end; ++row) {
-        formatter.Format(row, formatted);
-        textformat::AppendUnsigned(text, static_cast<std::uint32_t>(row) + 1);
-        text += '\t';
-        text += formatted.mark;
-        for (const std::string& column : formatted.columns) {
-            text += '\t';
-            text += column;
-        }
-        text += '\n';
-    }
+    for (zdt::RowIndex row = first; row < end; ++row)
+        formatter.AppendRowLine(row, text);
 }
 
 int RunClassicRows(const CliArguments& args) {

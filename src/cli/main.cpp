@@ -1,7 +1,11 @@
 // zdt-cli: the trace core as a command-line tool. It reads traces and never writes into them.
 #include "ClassicCommands.h"
 #include "CliOptions.h"
+#include "ExportCommands.h"
+#include "FilterCommands.h"
+#include "PathsCommand.h"
 #include "SnpCommands.h"
+#include "StatsCommands.h"
 #include "XpvtCommands.h"
 #include "app/DocumentRoute.h"
 
@@ -37,6 +41,14 @@ int Dispatch(const CliArguments& args) {
 
 int main(int argc, char** argv) {
     try {
+        if (argc > 1 && IsPathsCommand(argv[1]))
+            return RunPathsCommand(argc, argv);
+        if (argc > 1 && IsStatsCommand(argv[1]))
+            return RunStatsCommand(argc, argv);
+        if (argc > 1 && IsExportCommand(argv[1]))
+            return RunExportCommand(argc, argv);
+        if (argc > 1 && IsFilterCommand(argv[1]))
+            return RunFilterCommand(argc, argv);
         return Dispatch(ParseCliArguments(argc, argv));
     } catch (const UsageError& error) {
         std::fprintf(stderr, "zdt-cli: %s\n\n%s", error.text.c_str(), UsageText());

@@ -1,8 +1,9 @@
 #include "app/WellKnownPaths.h"
 
+#include "common/TemporaryNumber.h"
+
 #include <pwd.h>
 #include <sys/stat.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -15,6 +16,9 @@ namespace zdt {
 namespace {
 
 namespace fs = std::filesystem;
+
+// Below the installation prefix, where `cmake --install` and the package put Analyzer/.
+constexpr const char* InstalledDataFolder = "share/zdt-analyzer/Analyzer/";
 
 std::string EnvironmentValue(const char* name) {
     const char* value = std::getenv(name);
@@ -52,16 +56,6 @@ std::string UserDataHome() {
     return WithoutTrailingSlash(UserHome()) + "/.local/share";
 }
 
-void SeedRandomOnce() {
-    static const bool seeded = [] {
-        timeval now{};
-        gettimeofday(&now, nullptr);
-        std::srand(static_cast<unsigned>(now.tv_sec ^ now.tv_usec));
-        return true;
-    }();
-    (void)seeded;
-}
-
 bool IsDirectory(const std::string& path) {
     struct stat info {};
     return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
@@ -70,8 +64,26 @@ bool IsDirectory(const std::string& path) {
 } // namespace
 
 const std::string& AnalyzerBinaryDir() {
-    static const std::string dir = WithoutTrailingSlash(ExecutableDirectory()) + "/Analyzer/";
+    static const std::string dir = ResolveAnalyzerBinaryDir(ExecutableDirectory());
     return dir;
+}
+
+std::string ResolveAnalyzerBinaryDir(const std::string& programDir) {
+    const std::string program = WithoutTrailingSlash(programDir);
+    const std::string besideProgram = program + "/Analyzer/";
+    if (IsDirectory(besideProgram))
+        return besideProgram;
+    const fs::path prefix = fs::path(program).parent_path();
+    const std::string installed = WithoutTrailingSlash((prefix / InstalledDataFolder).string()) + "/";
+    if (IsDirectory(installed))
+        return installed;
+    return besideProgram;
+}
+
+bool IsInstalledAnalyzerDir(const std::string& binaryDir) {
+    const std::string suffix = "/" + WithoutTrailingSlash(InstalledDataFolder);
+    const std::string dir = WithoutTrailingSlash(binaryDir);
+    return dir.size() >= suffix.size() && dir.compare(dir.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
 const std::string& AnalyzerTempRoot() {
@@ -80,8 +92,27 @@ const std::string& AnalyzerTempRoot() {
 }
 
 const std::string& AnalyzerFilterDefaultDir() {
-    static const std::string dir = ResolveAnalyzerDataDir(AnalyzerBinaryDir(), "FilterDefaultDir");
+    static const std::string dir = [] {
+        std::string resolved = ResolveAnalyzerDataDir(AnalyzerBinaryDir(), "FilterDefaultDir");
+        SeedDataDirFromInstallation(AnalyzerBinaryDir(), "FilterDefaultDir", resolved);
+        return resolved;
+    }();
     return dir;
+}
+
+void SeedDataDirFromInstallation(const std::string& binaryDir, const std::string& name, const std::string& dataDir) {
+    const std::string shipped = WithoutTrailingSlash(binaryDir) + "/" + name;
+    const std::string target = WithoutTrailingSlash(dataDir);
+    std::error_code error;
+    if (!IsDirectory(shipped) || fs::exists(target, error))
+        return;
+    if (!fs::create_directories(target, error))
+        return;
+    for (fs::directory_iterator entry(shipped, error), end; !error && entry != end; entry.increment(error)) {
+        std::error_code ignored;
+        if (entry->is_regular_file(ignored))
+            fs::copy_file(entry->path(), fs::path(target) / entry->path().filename(), ignored);
+    }
 }
 
 std::string ResolveAnalyzerDataDir(const std::string& binaryDir, const std::string& name) {
@@ -89,7 +120,7 @@ std::string ResolveAnalyzerDataDir(const std::string& binaryDir, const std::stri
     if (!home.empty())
         return WithoutTrailingSlash(home) + "/" + name + "/";
     const std::string besideProgram = WithoutTrailingSlash(binaryDir) + "/" + name + "/";
-    if (CanWriteOrCreateDirectory(besideProgram))
+    if (!IsInstalledAnalyzerDir(binaryDir) && CanWriteOrCreateDirectory(besideProgram))
         return besideProgram;
     return UserDataHome() + "/ZDT-Analyzer/" + name + "/";
 }
@@ -113,9 +144,8 @@ bool CanWriteOrCreateDirectory(const std::string& directory) {
 }
 
 std::string MakeSessionTempDirName(const std::string& root) {
-    SeedRandomOnce();
     char name[64];
-    std::snprintf(name, sizeof name, "temp%ld_%d/", static_cast<long>(std::time(nullptr)), std::rand());
+    std::snprintf(name, sizeof name, "temp%ld_%d/", static_cast<long>(std::time(nullptr)), zdt::TemporaryNumber());
     return root + name;
 }
 

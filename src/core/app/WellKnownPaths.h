@@ -12,8 +12,19 @@ inline constexpr const char* TempRootFailureTitle = "E001_001 [Initialization fa
 inline constexpr const char* SessionTempDirFailureTitle = "E001_002 [Initialization failed.]";
 inline constexpr const char* TempDirFailureText = "Temporary directory problem.";
 
-// "<directory of the running executable>/Analyzer/"; resolved once per run.
+// ResolveAnalyzerBinaryDir(<directory of the running executable>); resolved once per run.
 const std::string& AnalyzerBinaryDir();
+
+// The installation files of a program in `programDir`, with a trailing "/":
+// "<programDir>/Analyzer/" where that folder exists (a build tree), else
+// "<prefix>/share/zdt-analyzer/Analyzer/" for a program installed as "<prefix>/bin/...",
+// when that exists; "<programDir>/Analyzer/" when neither does.
+std::string ResolveAnalyzerBinaryDir(const std::string& programDir);
+
+// True for the installation files of an installed program ("<prefix>/share/zdt-analyzer/
+// Analyzer/"): they belong to the package manager, so nothing is ever written there, not
+// even by the super-user.
+bool IsInstalledAnalyzerDir(const std::string& binaryDir);
 
 // The root of all temporary directories, with a trailing "/"; resolved once per run
 // by ResolveAnalyzerTempRoot(AnalyzerBinaryDir()).
@@ -21,8 +32,9 @@ const std::string& AnalyzerTempRoot();
 
 // Where the program keeps the folder `name`, with a trailing "/": $ZDT_ANALYZER_HOME/<name>/
 // when that variable is set. Otherwise <binaryDir><name>/ when it is writable or can be
-// created, so a build tree keeps its files beside the program; an installed program falls
-// back to the user's data home ($XDG_DATA_HOME, else ~/.local/share) + "/ZDT-Analyzer/<name>/".
+// created and `binaryDir` is not an installed one, so a build tree keeps its files beside
+// the program; an installed or read-only program falls back to the user's data home
+// ($XDG_DATA_HOME, else ~/.local/share) + "/ZDT-Analyzer/<name>/".
 std::string ResolveAnalyzerDataDir(const std::string& binaryDir, const std::string& name);
 
 // ResolveAnalyzerDataDir(binaryDir, "Temp").
@@ -30,8 +42,14 @@ std::string ResolveAnalyzerTempRoot(const std::string& binaryDir);
 
 // The folder of the process value trace filter files, resolved once per run by
 // ResolveAnalyzerDataDir(AnalyzerBinaryDir(), "FilterDefaultDir"); made by whoever writes
-// into it first.
+// into it first, or seeded with the installation's filters (SeedDataDirFromInstallation).
 const std::string& AnalyzerFilterDefaultDir();
+
+// When `dataDir` is not the installation's own `binaryDir` + `name` folder and does not
+// exist yet, makes it with a copy of the plain files of the installation's folder, so that
+// a user of an installed program starts with the filters it ships. Anything else is left
+// alone: a user's folder is never filled twice.
+void SeedDataDirFromInstallation(const std::string& binaryDir, const std::string& name, const std::string& dataDir);
 
 // True when `directory` is a writable directory, or does not exist yet and its nearest
 // existing ancestor is one. Relative paths are never writable: they would land wherever

@@ -1,14 +1,15 @@
 #pragma once
 
 #include "classic/ClassicTime.h"
+#include "classic/TextFormat.h"
 #include "common/RowTypes.h"
+#include "trace/CTraceItemI.h"
 
 #include <array>
 #include <cstdint>
 #include <string>
 
 class CAnalyzerDoc;
-class CTraceItem;
 
 // The eight list columns in their order; each renders one field of the record.
 enum class ClassicColumn { Time, Channel, Identifier, Priority, Source, Destination, Data, PcTime };
@@ -55,13 +56,36 @@ public:
     ClassicRow Format(zdt::RowIndex row, zdt::RowIndex selectedRow = zdt::NoRow);
     // The same into `out`, reusing its strings: for callers that format rows by the million.
     void Format(zdt::RowIndex row, ClassicRow& out, zdt::RowIndex selectedRow = zdt::NoRow);
+    // The row as a line of text: its number (row + 1), the mark and the eight column texts of
+    // Format, separated by tabs, and a line end. The fastest way to a row's texts.
+    void AppendRowLine(zdt::RowIndex row, std::string& text);
     // The column texts of a record, with its time cell and the alarm flag.
     void FillColumns(zdt::RowIndex row, const CTraceItem& item, ClassicRow& out, bool& alarm);
 
 private:
-    void TimeCell(zdt::RowIndex row, const CTraceItem& item, std::string& cell, bool& alarm);
+    class CellWriter;
+    // Reads the row and writes its column texts, tab-separated, into m_cells from
+    // CellsStart on; false when the row cannot be read.
+    bool ReadCells(zdt::RowIndex row, bool& alarm);
+    // A template so that the rows this formatter reads itself call the record directly.
+    template <class Item> void WriteCells(zdt::RowIndex row, const Item& item, CellWriter& cells, bool& alarm);
+    void WriteTimeCell(zdt::RowIndex row, const CTraceItem& item, CellWriter& cells, bool& alarm);
+    // Copies the column texts of m_cells into `out`.
+    void SplitCells(ClassicRow& out) const;
+
+    // Room ahead of the cells for the row number, the mark and their tabs, so that a row's
+    // line is one piece of text.
+    static constexpr std::size_t CellsStart = 16;
 
     CAnalyzerDoc& m_doc;
     DocumentRecordReader m_reader;
     PreviousTimedRecordFinder m_previousTimed;
+    CTraceItemI m_item;
+    // The cell texts of the row last written, each column followed by a tab but the last; the
+    // buffer only grows, so that formatting a row allocates nothing.
+    std::string m_cells;
+    std::size_t m_cellsEnd = CellsStart;
+    std::array<std::size_t, ClassicColumnCount> m_columnEnds{};
+    std::string m_eventText;
+    textformat::DecimalCounter m_lineNumber;
 };

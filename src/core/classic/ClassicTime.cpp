@@ -1,6 +1,7 @@
 #include "classic/ClassicTime.h"
 
 #include "classic/CAnalyzerDoc.h"
+#include "classic/TextFormat.h"
 #include "trace/RecordReader.h"
 
 #include <cstdio>
@@ -14,25 +15,51 @@ std::uint32_t ArrayValue(const ChunkedArray& array, zdt::RowIndex row) {
 
 } // namespace
 
-void AppendFormattedTime(std::string& text, std::uint32_t value, int digits) {
-    // "%0*u" with at least one digit before the comma.
-    char all[16];
-    int count = 0;
-    do {
-        all[count++] = static_cast<char>('0' + value % 10);
-        value /= 10;
-    } while (value != 0);
-    while (count < digits + 1)
-        all[count++] = '0';
-    const int integerDigits = count - digits;
-    for (int i = 0; i < integerDigits; ++i) {
-        if (i > 0 && (integerDigits - i) % 3 == 0)
-            text += '.';
-        text += all[count - 1 - i];
+namespace {
+
+constexpr std::uint32_t Powers[MaxFormattedTimeDigits + 1] = {1,      10,      100,      1000,      10000,
+                                                              100000, 1000000, 10000000, 100000000, 1000000000};
+
+// "%0*u" with at least one digit before the comma, written from the end backwards. The
+// common digit counts get a constant divisor.
+template <int Fixed> char* WriteTime(char* out, std::uint32_t value, int digits) {
+    const std::uint32_t divisor = Fixed >= 0 ? Powers[Fixed] : Powers[digits];
+    if (Fixed >= 0)
+        digits = Fixed;
+    const std::uint32_t fraction = value % divisor;
+    std::uint32_t integer = value / divisor;
+    const int integerDigits = textformat::DecimalDigitCount(integer);
+    char* const end = out + integerDigits + (integerDigits - 1) / 3 + 1 + digits;
+    textformat::WriteDigitsBackwards(end, digits, fraction);
+    char* p = end - digits;
+    *--p = ',';
+    // A dot before each group of three integer digits, counted from the comma.
+    for (; integer >= 1000; integer /= 1000) {
+        textformat::WriteDigitsBackwards(p, 3, integer % 1000);
+        p -= 3;
+        *--p = '.';
     }
-    text += ',';
-    for (int i = integerDigits; i < count; ++i)
-        text += all[count - 1 - i];
+    textformat::WriteDigitsBackwards(p, textformat::DecimalDigitCount(integer), integer);
+    return end;
+}
+
+} // namespace
+
+char* WriteFormattedTime(char* out, std::uint32_t value, int digits) {
+    switch (digits) {
+    case 3:
+        return WriteTime<3>(out, value, digits);
+    case 6:
+        return WriteTime<6>(out, value, digits);
+    default:
+        digits = digits < 0 ? 0 : (digits > MaxFormattedTimeDigits ? MaxFormattedTimeDigits : digits);
+        return WriteTime<-1>(out, value, digits);
+    }
+}
+
+void AppendFormattedTime(std::string& text, std::uint32_t value, int digits) {
+    char buffer[MaxFormattedTimeLength];
+    text.append(buffer, static_cast<std::size_t>(WriteFormattedTime(buffer, value, digits) - buffer));
 }
 
 std::string FormatTime(std::uint32_t value, int digits) {
@@ -120,16 +147,27 @@ bool PreviousTimedRecordFinder::Find(RecordReader& reader, zdt::RowIndex row, st
     return found;
 }
 
-std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, zdt::RowIndex row, const CTraceItem& item,
-                           PreviousTimedRecordFinder& finder) {
+bool V701TimeValue(const CAnalyzerDoc& doc, RecordReader& reader, zdt::RowIndex row, const CTraceItem& item,
+                   PreviousTimedRecordFinder& finder, std::uint32_t& value) {
     std::uint32_t time = 0;
     item.GetTime(time);
-    if (doc.GetTimeMode() == TimeMode::Absolute)
-        return FormatTime(time, 3);
+    if (doc.GetTimeMode() == TimeMode::Absolute) {
+        value = time;
+        return true;
+    }
     std::uint32_t previous = 0;
     if (!finder.Find(reader, row, previous))
+        return false;
+    value = time - previous - doc.BaseTime();
+    return true;
+}
+
+std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, zdt::RowIndex row, const CTraceItem& item,
+                           PreviousTimedRecordFinder& finder) {
+    std::uint32_t value = 0;
+    if (!V701TimeValue(doc, reader, row, item, finder, value))
         return "--";
-    return FormatTime(time - previous - doc.BaseTime(), 3);
+    return FormatTime(value, 3);
 }
 
 DocumentRecordReader::DocumentRecordReader(const CAnalyzerDoc& doc) : m_doc(doc) {}

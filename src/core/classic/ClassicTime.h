@@ -2,6 +2,7 @@
 
 #include "common/RowTypes.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -14,6 +15,10 @@ class RecordReader;
 // group of three integer digits, whatever the locale.
 std::string FormatTime(std::uint32_t value, int digits);
 void AppendFormattedTime(std::string& text, std::uint32_t value, int digits);
+// The same into `out`, which has room for MaxFormattedTimeLength characters; returns the end.
+constexpr int MaxFormattedTimeDigits = 9;
+constexpr std::size_t MaxFormattedTimeLength = 16;
+char* WriteFormattedTime(char* out, std::uint32_t value, int digits);
 
 // Where a row's time is shown: the list and the search, or the ".sbt" report, which
 // prints relative-channel times from the per-channel array.
@@ -45,6 +50,10 @@ private:
     std::uint32_t m_time = 0;
 };
 
+// The time a schema 701 row that has a time shows, before formatting with 3 decimals; false
+// when the cell shows "--" instead.
+bool V701TimeValue(const CAnalyzerDoc& doc, RecordReader& reader, zdt::RowIndex row, const CTraceItem& item,
+                   PreviousTimedRecordFinder& finder, std::uint32_t& value);
 // The time cell of a schema 701 row that has a time.
 std::string FormatV701Time(const CAnalyzerDoc& doc, RecordReader& reader, zdt::RowIndex row, const CTraceItem& item,
                            PreviousTimedRecordFinder& finder);

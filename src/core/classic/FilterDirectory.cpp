@@ -86,8 +86,7 @@ std::string FindFilterDirectory(const std::string& programDir, const std::string
     // Without it a fresh installation would offer a folder where no filter can be made;
     // the program's own folder works wherever it is installed.
     const std::string dir =
-        usable ? commonDir
-               : ResolveAnalyzerDataDir(WithoutTrailingSlash(programDir) + "/Analyzer/", "CommonCANFilters");
+        usable ? commonDir : ResolveAnalyzerDataDir(ResolveAnalyzerBinaryDir(programDir), "CommonCANFilters");
     CreateIfMissing(dir);
     return dir;
 }

@@ -11,7 +11,7 @@ namespace zdt {
 // every other trace shares "<TracePath>/CommonCANFilters/", created when missing.
 // Without a usable trace path (none set, relative, or a missing folder that cannot be
 // made) the common folder is the program's own, resolved like its temporary root:
-// ResolveAnalyzerDataDir(programDir + "/Analyzer/", "CommonCANFilters"), also created.
+// ResolveAnalyzerDataDir(ResolveAnalyzerBinaryDir(programDir), "CommonCANFilters"), also created.
 std::string FindFilterDirectory(const std::string& programDir, const std::string& tracePath);
 
 // A path as the settings file writes it: no double quotes or semicolons, doubled

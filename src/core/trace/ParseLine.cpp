@@ -31,34 +31,63 @@ std::uint32_t LineByte(CTraceItemI& item, const char* fields, int reserved, std:
 }
 
 // CAN frames whose length field counts the four identifier bytes ahead of the data.
-std::uint32_t LegacyCanFrame(CTraceItemI& item, const char* fields, int reserved, std::uint8_t direction,
-                             bool skippedWord) {
+struct LegacyFrameFields {
     unsigned time = 0, skipped = 0, length = 0;
     unsigned id[4] = {};
     unsigned values[8] = {};
-    if (skippedWord)
-        ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x", &time,
-                   &skipped, &length, &id[0], &id[1], &id[2], &id[3], &values[0], &values[1], &values[2], &values[3],
-                   &values[4], &values[5], &values[6], &values[7]);
-    else
-        ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x ", &time, &length,
-                   &id[0], &id[1], &id[2], &id[3], &values[0], &values[1], &values[2], &values[3], &values[4],
-                   &values[5], &values[6], &values[7]);
-    if (length < 4) {
-        item.SetEvent(0x50080016, 0, reserved, time, 0);
-        return time;
+};
+
+// The fields in the layout the writers give them; false for any other line.
+bool ReadPlainLegacyFrame(const char* fields, std::size_t length, bool skippedWord, LegacyFrameFields& f) {
+    PlainFieldReader in(fields, length);
+    f.time = in.Hex<8>();
+    in.Blanks<1>();
+    if (skippedWord) {
+        f.skipped = in.Hex<4>();
+        in.Blanks<1>();
+        f.length = in.Hex<2>();
+    } else {
+        f.length = in.Hex<4>();
     }
-    const std::uint8_t dataLength = length >= 13 ? 8 : static_cast<std::uint8_t>(length - 4);
-    std::uint32_t identifier = id[0] + id[1] * 0x100u + id[2] * 0x10000u + id[3] * 0x1000000u;
+    in.HexBytes(f.id);
+    in.HexBytes(f.values);
+    return in.Ok();
+}
+
+void ScanLegacyFrame(const char* fields, bool skippedWord, LegacyFrameFields& f) {
+    if (skippedWord)
+        ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x", &f.time,
+                   &f.skipped, &f.length, &f.id[0], &f.id[1], &f.id[2], &f.id[3], &f.values[0], &f.values[1],
+                   &f.values[2], &f.values[3], &f.values[4], &f.values[5], &f.values[6], &f.values[7]);
+    else
+        ScanFormat(fields, "%08x %04x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x %02x ", &f.time, &f.length,
+                   &f.id[0], &f.id[1], &f.id[2], &f.id[3], &f.values[0], &f.values[1], &f.values[2], &f.values[3],
+                   &f.values[4], &f.values[5], &f.values[6], &f.values[7]);
+}
+
+std::uint32_t LegacyCanFrame(CTraceItemI& item, const ScanLine& line, int reserved, std::uint8_t direction,
+                             bool skippedWord) {
+    const char* fields = line.At(FieldColumn);
+    LegacyFrameFields f;
+    if (!ReadPlainLegacyFrame(fields, line.LengthFrom(FieldColumn), skippedWord, f)) {
+        f = LegacyFrameFields{};
+        ScanLegacyFrame(fields, skippedWord, f);
+    }
+    if (f.length < 4) {
+        item.SetEvent(0x50080016, 0, reserved, f.time, 0);
+        return f.time;
+    }
+    const std::uint8_t dataLength = f.length >= 13 ? 8 : static_cast<std::uint8_t>(f.length - 4);
+    std::uint32_t identifier = f.id[0] + f.id[1] * 0x100u + f.id[2] * 0x10000u + f.id[3] * 0x1000000u;
     std::uint8_t extended = 0;
     if (identifier & 0x80000000u) {
         extended = 1;
         identifier &= 0x7FFFFFFFu;
     }
     std::uint8_t data[8] = {};
-    NarrowBytes(values, data);
-    item.SetCanFrame(0, reserved, time, identifier, extended, direction, dataLength, data);
-    return time;
+    NarrowBytes(f.values, data);
+    item.SetCanFrame(0, reserved, f.time, identifier, extended, direction, dataLength, data);
+    return f.time;
 }
 
 std::uint32_t CanState(CTraceItemI& item, const char* fields) {
@@ -140,18 +169,42 @@ std::uint32_t ChannelEvent(CTraceItemI& item, const char* fields, int reserved, 
     return static_cast<std::uint32_t>(time);
 }
 
-std::uint32_t ChannelCanFrame(CTraceItemI& item, const char* fields, int reserved, std::uint8_t extended,
-                              std::uint8_t direction) {
+struct ChannelFrameFields {
     unsigned channel = 0, identifier = 0, length = 0;
     int time = 0;
     unsigned values[8] = {};
-    ScanFormat(fields, "%02x %08x %010d %04x %02x %02x %02x %02x %02x %02x %02x %02x", &channel, &identifier, &time,
-               &length, &values[0], &values[1], &values[2], &values[3], &values[4], &values[5], &values[6], &values[7]);
+};
+
+// The fields in the layout the writers give them; false for any other line.
+bool ReadPlainChannelFrame(const char* fields, std::size_t length, ChannelFrameFields& f) {
+    PlainFieldReader in(fields, length);
+    f.channel = in.Hex<2>();
+    in.Blanks<1>();
+    f.identifier = in.Hex<8>();
+    in.Blanks<1>();
+    // "%010d" stores into an int, keeping the low bits of what it read.
+    f.time = static_cast<int>(in.Decimal<10>());
+    in.Blanks<1>();
+    f.length = in.Hex<4>();
+    in.HexBytes(f.values);
+    return in.Ok();
+}
+
+std::uint32_t ChannelCanFrame(CTraceItemI& item, const ScanLine& line, int reserved, std::uint8_t extended,
+                              std::uint8_t direction) {
+    const char* fields = line.At(FieldColumn);
+    ChannelFrameFields f;
+    if (!ReadPlainChannelFrame(fields, line.LengthFrom(FieldColumn), f)) {
+        f = ChannelFrameFields{};
+        ScanFormat(fields, "%02x %08x %010d %04x %02x %02x %02x %02x %02x %02x %02x %02x", &f.channel, &f.identifier,
+                   &f.time, &f.length, &f.values[0], &f.values[1], &f.values[2], &f.values[3], &f.values[4],
+                   &f.values[5], &f.values[6], &f.values[7]);
+    }
     std::uint8_t data[CTraceItemI::PayloadSize] = {};
-    NarrowBytes(values, data);
-    item.SetCanFrame(static_cast<std::uint8_t>(channel), reserved, static_cast<std::uint32_t>(time), identifier,
-                     extended, direction, NarrowLength(length), data);
-    return static_cast<std::uint32_t>(time);
+    NarrowBytes(f.values, data);
+    item.SetCanFrame(static_cast<std::uint8_t>(f.channel), reserved, static_cast<std::uint32_t>(f.time), f.identifier,
+                     extended, direction, NarrowLength(f.length), data);
+    return static_cast<std::uint32_t>(f.time);
 }
 
 // Marks FF00..FF06: their text comes from the type, the code only tells them apart.
@@ -220,10 +273,10 @@ int CTraceItemI::ParseLine(const char* line, int reserved) {
         time = TimeOnlyEvent(item, fields, reserved, 0x20020009, 1);
         break;
     case 0x0020:
-        time = LegacyCanFrame(item, fields, reserved, 1, true);
+        time = LegacyCanFrame(item, text, reserved, 1, true);
         break;
     case 0x0021:
-        time = LegacyCanFrame(item, fields, reserved, 0, true);
+        time = LegacyCanFrame(item, text, reserved, 0, true);
         break;
     case 0x0022:
         time = CanState(item, fields);
@@ -275,11 +328,11 @@ int CTraceItemI::ParseLine(const char* line, int reserved) {
         break;
     case 0x5000:
     case 0x6000:
-        time = ChannelCanFrame(item, fields, reserved, 0, 1);
+        time = ChannelCanFrame(item, text, reserved, 0, 1);
         break;
     case 0x5800:
     case 0x6800:
-        time = ChannelCanFrame(item, fields, reserved, 1, 0);
+        time = ChannelCanFrame(item, text, reserved, 1, 0);
         break;
     case 0x8000:
         time = TimeOnlyEvent(item, fields, reserved, 0x40030001, 0);
@@ -306,10 +359,10 @@ int CTraceItemI::ParseLine(const char* line, int reserved) {
         time = TimeOnlyEvent(item, fields, reserved, 0x20030006, 1);
         break;
     case 0x8012:
-        time = LegacyCanFrame(item, fields, reserved, 0, false);
+        time = LegacyCanFrame(item, text, reserved, 0, false);
         break;
     case 0x8013:
-        time = LegacyCanFrame(item, fields, reserved, 1, false);
+        time = LegacyCanFrame(item, text, reserved, 1, false);
         break;
     case 0x801E:
         time = TimeOnlyEvent(item, fields, reserved, 0x20030007, 1);

@@ -143,17 +143,40 @@ void AddressedFrame(CTraceItemI& item, const char* fields, int reserved, std::ui
                            NarrowLength(length), data);
 }
 
-void CanFrame(CTraceItemI& item, const char* fields, int reserved, std::uint8_t extended, std::uint8_t direction) {
+struct CanFrameFields {
     unsigned identifier = 0;
     unsigned long time = 0;
     int length = 0;
     unsigned values[8] = {};
-    ScanFormat(fields, " %8X %10lu %04d  %02x %02x %02x %02x %02x %02x %02x %02x", &identifier, &time, &length,
-               &values[0], &values[1], &values[2], &values[3], &values[4], &values[5], &values[6], &values[7]);
+};
+
+// The fields in the layout the writers give them: identifier and time right-aligned in their
+// columns. False for any other line.
+bool ReadPlainCanFrame(const char* fields, std::size_t length, CanFrameFields& f) {
+    PlainFieldReader in(fields, length);
+    f.identifier = in.RightAlignedHex<8>();
+    in.Blanks<1>();
+    f.time = in.RightAlignedDecimal<10>();
+    in.Blanks<1>();
+    f.length = static_cast<int>(in.Decimal<4>());
+    in.Blanks<1>();
+    in.HexBytes(f.values);
+    return in.Ok();
+}
+
+void CanFrame(CTraceItemI& item, const ScanLine& line, int reserved, std::uint8_t extended, std::uint8_t direction) {
+    const char* fields = line.At(FieldColumn);
+    CanFrameFields f;
+    if (!ReadPlainCanFrame(fields, line.LengthFrom(FieldColumn), f)) {
+        f = CanFrameFields{};
+        ScanFormat(fields, " %8X %10lu %04d  %02x %02x %02x %02x %02x %02x %02x %02x", &f.identifier, &f.time,
+                   &f.length, &f.values[0], &f.values[1], &f.values[2], &f.values[3], &f.values[4], &f.values[5],
+                   &f.values[6], &f.values[7]);
+    }
     std::uint8_t data[CTraceItemI::PayloadSize] = {};
-    NarrowBytes(values, data);
-    item.SetCanFrame(0, reserved, static_cast<std::uint32_t>(time), identifier, extended, direction,
-                     NarrowLength(static_cast<std::uint32_t>(length)), data);
+    NarrowBytes(f.values, data);
+    item.SetCanFrame(0, reserved, static_cast<std::uint32_t>(f.time), f.identifier, extended, direction,
+                     NarrowLength(static_cast<std::uint32_t>(f.length)), data);
 }
 
 void PcTimeStamp(CTraceItemI& item, const char* fields, bool withName) {
@@ -353,16 +376,16 @@ int CTraceItemI::ParseLineV701(const char* line, int reserved) {
         ScannedTimeEvent(item, text, reserved, 0x20010013, true);
         break;
     case 0x5000:
-        CanFrame(item, fields, reserved, 0, 1);
+        CanFrame(item, text, reserved, 0, 1);
         break;
     case 0x5800:
-        CanFrame(item, fields, reserved, 1, 1);
+        CanFrame(item, text, reserved, 1, 1);
         break;
     case 0x6000:
-        CanFrame(item, fields, reserved, 0, 0);
+        CanFrame(item, text, reserved, 0, 0);
         break;
     case 0x6800:
-        CanFrame(item, fields, reserved, 1, 0);
+        CanFrame(item, text, reserved, 1, 0);
         break;
     case 0x5701:
         DashFormEvent(item, fields, reserved, 0x80010015, 1);

@@ -19,7 +19,7 @@ public:
     // The record line at `offset` into `line` (257 bytes), cut at its carriage return or at
     // 256 characters and zero-terminated. False when nothing is read.
     bool ReadLine(zdt::FileOffset offset, char* line);
-    // The record of visible row `index` into a freshly constructed record; false for a row
+    // The record of visible row `index` into `item`, which the read resets; false for a row
     // at or beyond the rows read so far, which is all a reader on another thread may ask.
     bool ReadItem(zdt::RowIndex index, CTraceItemI& item);
     const CTraceFile& File() const { return *m_file; }

@@ -12,24 +12,7 @@ namespace {
 
 using Cursor = const unsigned char*;
 
-constexpr unsigned char NotDigit = 0xFF;
-
-// Digit values (base 16, either case) and white space as the C locale defines it, which is
-// what the library's scanner uses; tables keep the inner loops free of class tests.
-constexpr struct CharTable {
-    unsigned char digit[256];
-    bool blank[256];
-    constexpr CharTable() : digit(), blank() {
-        for (unsigned c = 0; c < 256; ++c) {
-            digit[c] = NotDigit;
-            blank[c] = c == ' ' || (c >= '\t' && c <= '\r');
-        }
-        for (unsigned c = '0'; c <= '9'; ++c)
-            digit[c] = static_cast<unsigned char>(c - '0');
-        for (unsigned c = 'a'; c <= 'f'; ++c)
-            digit[c] = digit[c - 'a' + 'A'] = static_cast<unsigned char>(c - 'a' + 10);
-    }
-} Chars;
+using scanformat::Chars;
 
 inline Cursor SkipBlanks(Cursor p) {
     while (Chars.blank[*p])
@@ -270,7 +253,7 @@ inline int Scan(const char* input, const char* format, va_list& args) {
 
 } // namespace
 
-bool ScanHexValue(const char* input, int width, unsigned& value) {
+bool ScanHexValueGeneral(const char* input, int width, unsigned& value) {
     Cursor in = SkipBlanks(reinterpret_cast<Cursor>(input));
     if (width > 0 && width <= 8) {
         // A type code is almost always `width` plain digits; "0x" and signs take the long way.

@@ -1,5 +1,7 @@
 #include "xmldoc/FileContainer.h"
 
+#include "common/TemporaryNumber.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -23,10 +25,8 @@ constexpr std::size_t SplitPieceSize = 1024;
 constexpr int NameAttempts = 100;
 
 std::string makeSwapFileName(const std::string& directory) {
-    static std::once_flag seeded;
-    std::call_once(seeded, [] { std::srand(static_cast<unsigned>(std::time(nullptr))); });
     char name[64];
-    std::snprintf(name, sizeof name, "temp%ld_%d.fc", static_cast<long>(std::time(nullptr)), std::rand());
+    std::snprintf(name, sizeof name, "temp%ld_%d.fc", static_cast<long>(std::time(nullptr)), zdt::TemporaryNumber());
     if (!directory.empty() && directory.back() != '/')
         return directory + "/" + name;
     return directory + name;

@@ -49,6 +49,7 @@ bool XpvtDoc::OnOpenDocument(const std::string& path, const std::string& swapDir
 }
 
 void XpvtDoc::installSchemaTables() {
+    m_schemaIs702.store(m_description.Schema == Schema702, std::memory_order_release);
     if (is702())
         Xpvt::SaxParserTraits<Xpvt::ConsumerUserInterface>::install702(m_parser);
 }
@@ -71,12 +72,6 @@ bool XpvtDoc::find(zdt::MessageSink* messages, zdt::ProgressSink* progress) {
         },
         // The marks made so far are real marks: let the views show them.
         [this] { updateAllViews(); });
-}
-
-void XpvtDoc::filter(zdt::MessageSink* messages) {
-    // No filter runs on this document yet, so the command fails as a failed filter
-    // does; the document stays as it was.
-    showDocumentError(messages, FilterFailedText);
 }
 
 void XpvtDoc::appendXpvtRow(std::string_view row) {

@@ -5,6 +5,7 @@
 #include "xpvt/ConsumerUserInterface.h"
 #include "xpvt/XpvtFindCriteria.h"
 
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
@@ -57,8 +58,9 @@ public:
     const Description& description() const { return m_description; }
     const std::string& pathName() const { return m_pathName; }
 
-    // Schema 7.02 exactly when the header's Schema is "7,02"; asked anew every time.
-    bool is702() const { return m_description.Schema == Schema702; }
+    // Schema 7.02 exactly when the header's Schema is "7,02". Published once the header
+    // ended, so that the windows may ask while the read still writes the description.
+    bool is702() const { return m_schemaIs702.load(std::memory_order_acquire); }
 
     // Switches the running open parse to the 7.02 tables when the header says 7.02.
     void installSchemaTables() override;
@@ -72,10 +74,6 @@ public:
     // `messages`) or a cancel; marks made before either stay.
     bool find(zdt::MessageSink* messages, zdt::ProgressSink* progress = nullptr);
 
-    // The filter command. Until filters exist it fails with "Filter did not succeed.",
-    // and the document stays as it was.
-    void filter(zdt::MessageSink* messages);
-
     // Called by the row pass for each complete row.
     void appendXpvtRow(std::string_view row);
 
@@ -84,6 +82,7 @@ private:
     Xpvt::UserInterfaceContext m_context;
     Xpvt::ConsumerUserInterface m_consumer;
     Description m_description;
+    std::atomic<bool> m_schemaIs702{false};
     XpvtFindCriteria701 m_findCriteria701;
     XpvtFindCriteria702 m_findCriteria702;
     std::string m_pathName;

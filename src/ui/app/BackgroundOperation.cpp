@@ -19,6 +19,7 @@ void BackgroundOperation::start() {
     m_running = true;
     m_thread.reset(QThread::create([this] {
         m_outcome = zdt::RunOperation(m_job, m_control);
+        m_jobEnded.store(true, std::memory_order_release);
         // Bound to this object: a queued call to an object that went meanwhile is dropped.
         QMetaObject::invokeMethod(this, &BackgroundOperation::deliverFinish, Qt::QueuedConnection);
     }));
@@ -32,8 +33,7 @@ void BackgroundOperation::cancel() {
 
 void BackgroundOperation::cancelAndWait() {
     m_control.requestCancel();
-    if (m_thread != nullptr)
-        m_thread->wait();
+    joinThread();
     // The queued end may still wait in the event queue: it must not arrive any more.
     m_delivered = true;
     m_running = false;
@@ -47,7 +47,8 @@ void BackgroundOperation::postUpdate() {
 
 void BackgroundOperation::deliverUpdate() {
     // Cleared before the signal: what the job adds while the receivers work posts anew.
-    m_updatePosted.store(false, std::memory_order_release);
+    // Acquire: what the job wrote before it posted is seen here.
+    m_updatePosted.exchange(false, std::memory_order_acq_rel);
     if (!m_delivered)
         Q_EMIT updated();
 }
@@ -55,11 +56,20 @@ void BackgroundOperation::deliverUpdate() {
 void BackgroundOperation::deliverFinish() {
     if (m_delivered)
         return;
-    m_thread->wait();
+    joinThread();
     m_delivered = true;
     m_running = false;
     Q_EMIT updated();
     Q_EMIT finished(m_outcome.status);
+}
+
+void BackgroundOperation::joinThread() {
+    if (m_thread == nullptr)
+        return;
+    m_thread->wait();
+    // Pairs with the job's last store, so that everything the job did is seen by this
+    // thread, also by tools that cannot see inside the thread library's own waiting.
+    m_jobEnded.load(std::memory_order_acquire);
 }
 
 } // namespace zdtui

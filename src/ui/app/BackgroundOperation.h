@@ -57,6 +57,7 @@ Q_SIGNALS:
 private:
     void deliverUpdate();
     void deliverFinish();
+    void joinThread();
 
     QString m_label;
     zdt::OperationJob m_job;
@@ -64,6 +65,7 @@ private:
     zdt::OperationOutcome m_outcome;
     std::unique_ptr<QThread> m_thread;
     std::atomic<bool> m_updatePosted{false};
+    std::atomic<bool> m_jobEnded{false};
     bool m_cancellable = true;
     bool m_running = false;
     bool m_delivered = false;

@@ -92,9 +92,12 @@ bool CAnalyzerApp::InitInstance(const QStringList& arguments) {
         ShowMessage(nullptr, *failure);
         return false;
     }
-    if (!arguments.isEmpty() && openDocumentFile(arguments.first()) == nullptr)
-        return false;
-    return true;
+    // A file manager hands over every file the user chose; the program ends only when
+    // none of them could be opened.
+    bool anyOpened = arguments.isEmpty();
+    for (const QString& path : arguments)
+        anyOpened = openDocumentFile(path) != nullptr || anyOpened;
+    return anyOpened;
 }
 
 void CAnalyzerApp::registerTemplates() {

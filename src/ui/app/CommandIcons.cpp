@@ -176,6 +176,13 @@ QIcon ViewIcon(ViewCommand command) {
             p.drawLine(9, 9, 15, 15);
             p.drawLine(15, 9, 9, 15);
         });
+    case ViewCommand::IdentifierStatistics:
+        return Draw([](QPainter& p) {
+            // Bars of a histogram.
+            p.fillRect(2, 9, 3, 6, Mark);
+            p.fillRect(7, 3, 3, 12, Mark);
+            p.fillRect(12, 6, 3, 9, Mark);
+        });
     case ViewCommand::SaveAs:
     case ViewCommand::ToggleNamedBookmark:
     case ViewCommand::BookmarkList:

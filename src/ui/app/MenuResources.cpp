@@ -115,9 +115,12 @@ std::vector<PopupResource> ClassicMenu(int id) {
                                           Item("Style CAN Link", ViewCommand::StyleCan), Separator()};
     for (const MenuItemResource& item : BarItems())
         view.push_back(item);
+    PopupResource session = SessionPopup(false, Item("&Can Filter ...", ViewCommand::CanFilter));
+    session.items.insert(session.items.begin() + 1,
+                         Item("Identifier statistics...", ViewCommand::IdentifierStatistics));
     return {
         DocumentFilePopup(Item("Save &As ASCII file...", ViewCommand::SaveAsAscii)),
-        SessionPopup(false, Item("&Can Filter ...", ViewCommand::CanFilter)),
+        session,
         {"&View", view},
         WindowPopup(),
         HelpPopup(id),

@@ -48,6 +48,8 @@ enum class ViewCommand {
     ToggleNamedBookmark,
     BookmarkList,
     Filter,
+    // Classic traces again: the per-identifier figures, table and chart.
+    IdentifierStatistics,
 };
 
 // Implemented by the widget a document shows in its child window.

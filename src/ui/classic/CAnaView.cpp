@@ -10,10 +10,12 @@
 #include "classic/ClassicPrinter.h"
 #include "classic/ClassicReport.h"
 #include "classic/ClassicViewLayout.h"
+#include "classic/IdentifierStatisticsDialog.h"
 #include "classic/SbtExportDialog.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QFile>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -155,6 +157,8 @@ void CAnaView::createActions() {
                QKeySequence(), [this] { m_document.onStyleKLine(this); });
     addCommand(ViewCommand::StyleCan, QStringLiteral("Style CAN Link"), QKeySequence(),
                [this] { m_document.onStyleCan(this); });
+    addCommand(ViewCommand::IdentifierStatistics, QStringLiteral("Identifier statistics..."), QKeySequence(),
+               [this] { onIdentifierStatistics(); });
 }
 
 QAction* CAnaView::commandAction(ViewCommand command) {
@@ -173,8 +177,9 @@ void CAnaView::activateView() {
 void CAnaView::updateActions() {
     // While the document's work runs, only the bookmarks of the rows read so far may change.
     const bool busy = m_document.isBusy();
-    for (ViewCommand command : {ViewCommand::Print, ViewCommand::PrintPreview, ViewCommand::SaveAsAscii,
-                                ViewCommand::SessionInfo, ViewCommand::Find, ViewCommand::CanFilter})
+    for (ViewCommand command :
+         {ViewCommand::Print, ViewCommand::PrintPreview, ViewCommand::SaveAsAscii, ViewCommand::SessionInfo,
+          ViewCommand::Find, ViewCommand::CanFilter, ViewCommand::IdentifierStatistics})
         m_actions[IndexOf(command)]->setEnabled(!busy);
     if (busy) {
         for (ViewCommand command :
@@ -488,6 +493,32 @@ void CAnaView::paintEvent(QPaintEvent*) {
             painter.drawText(cell, alignment, m_model->cellText(row, section));
         }
     }
+}
+
+void CAnaView::onIdentifierStatistics() {
+    std::optional<IdentifierKey> key;
+    if (selectedRow() >= 0 && !m_document.isBusy()) {
+        CTraceItemI item;
+        if (doc().ReadItem(static_cast<zdt::RowIndex>(selectedRow()), item))
+            key = IdentifierKeyOf(item);
+    }
+    if (m_statisticsDialog == nullptr)
+        m_statisticsDialog = new IdentifierStatisticsDialog(m_document, this);
+    m_statisticsDialog->showFor(key);
+}
+
+void CAnaView::fillListMenu(QMenu& menu) {
+    menu.addAction(m_actions[IndexOf(ViewCommand::IdentifierStatistics)]);
+}
+
+void CAnaView::contextMenuEvent(QContextMenuEvent* event) {
+    // The menu acts on the row under the pointer, as a left click would choose it.
+    const int row = rowAt(viewport()->mapFromGlobal(event->globalPos()).y());
+    if (row >= 0)
+        selectRow(row, false);
+    QMenu menu(this);
+    fillListMenu(menu);
+    menu.exec(event->globalPos());
 }
 
 void CAnaView::mousePressEvent(QMouseEvent* event) {

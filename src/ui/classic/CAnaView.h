@@ -18,6 +18,7 @@ namespace zdtui {
 
 class CFindDlg;
 class ClassicDocument;
+class IdentifierStatisticsDialog;
 class ClassicListModel;
 
 // The list of a classic trace: a header with the mark column and the eight trace
@@ -70,6 +71,11 @@ public:
     // The search ended: the marks, the first hit and the commands follow its results.
     void showSearchResults(bool markAll);
     CFindDlg* findDialog();
+    // The identifier statistics, opened on the identifier of the selected row.
+    void onIdentifierStatistics();
+    IdentifierStatisticsDialog* statisticsDialog() const { return m_statisticsDialog; }
+    // The list's context menu: the commands that act on the row under the pointer.
+    void fillListMenu(QMenu& menu);
     void onSaveAsAscii();
     // Writes the ".sbt" report to `fileName`; false when the file cannot be written.
     bool saveAsAscii(const QString& fileName);
@@ -89,6 +95,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
 
 private:
@@ -113,8 +120,9 @@ private:
     std::array<int, ClassicColumnCount> m_widths{};
     bool m_applyingWidths = false;
     int m_wheelRemainder = 0;
-    std::array<QAction*, static_cast<int>(ViewCommand::StyleCan) + 1> m_actions{};
+    std::array<QAction*, static_cast<int>(ViewCommand::IdentifierStatistics) + 1> m_actions{};
     CFindDlg* m_findDialog = nullptr;
+    IdentifierStatisticsDialog* m_statisticsDialog = nullptr;
 };
 
 } // namespace zdtui

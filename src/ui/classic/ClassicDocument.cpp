@@ -196,6 +196,29 @@ void ClassicDocument::runFind(const ClassicFindCriteria& criteria, bool markAll,
         });
 }
 
+bool ClassicDocument::runIdentifierStatistics(std::function<void(const IdentifierStatistics&)> done) {
+    if (!m_open || isBusy())
+        return false;
+    auto statistics = std::make_shared<IdentifierStatistics>();
+    return runOperation(tr("Identifier statistics of %1").arg(pathName()), IdentifierStatisticsJob(*m_doc, statistics),
+                        [statistics, done = std::move(done)](const zdt::OperationOutcome& outcome) {
+                            if (outcome.status == zdt::OperationStatus::Done)
+                                done(*statistics);
+                        });
+}
+
+bool ClassicDocument::runCycleSeries(const IdentifierKey& key, std::function<void(const CycleSeries&)> done) {
+    if (!m_open || isBusy())
+        return false;
+    auto series = std::make_shared<CycleSeries>();
+    return runOperation(tr("Cycle times of %1").arg(QString::fromStdString(IdentifierText(key))),
+                        CycleSeriesJob(*m_doc, key, series),
+                        [series, done = std::move(done)](const zdt::OperationOutcome& outcome) {
+                            if (outcome.status == zdt::OperationStatus::Done)
+                                done(*series);
+                        });
+}
+
 // A filter pass rewrites the rows and cannot stop half-way: its Cancel is not offered,
 // and the list shows no rows until it is done.
 void ClassicDocument::runFilterWork(const QString& label, QWidget* parent, zdt::OperationJob job) {

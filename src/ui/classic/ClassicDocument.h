@@ -3,10 +3,13 @@
 #include "app/UiDocument.h"
 #include "classic/CAnalyzerDoc.h"
 #include "classic/ClassicSearch.h"
+#include "classic/IdentifierCycleSeries.h"
+#include "classic/IdentifierStatistics.h"
 
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 namespace zdtui {
@@ -44,6 +47,11 @@ public:
     // Runs the scan of the find dialog in the background; its results replace the
     // document's (and, with `markAll`, its bookmarks) when it ended, also after a cancel.
     void runFind(const ClassicFindCriteria& criteria, bool markAll, QWidget* parent);
+    // The identifier statistics of the visible rows, and the cycle times of one identifier
+    // for its chart, each as a pass in the background; `done` gets the outcome on this
+    // thread unless it was cancelled. False when nothing was started (the document is busy).
+    bool runIdentifierStatistics(std::function<void(const IdentifierStatistics&)> done);
+    bool runCycleSeries(const IdentifierKey& key, std::function<void(const CycleSeries&)> done);
     // A time style chosen: every view shows the times anew.
     void setTimeMode(TimeMode mode, std::uint32_t byteTime = 1);
 

@@ -1,5 +1,6 @@
 #include "snp/SnpView.h"
 
+#include "export/DesktopConversionSettings.h"
 #include "snp/SnpDoc.h"
 #include "snp/SnpUiDocument.h"
 
@@ -11,10 +12,19 @@ namespace zdtui {
 SnpView::SnpView(SnpUiDocument& document, QWidget* parent)
     : XmlListView(document,
                   Family{MenuResourceId, SessionInformationId, FilterId, ZDTAnalyzer::SnpDoc::NoRowSelectedText},
-                  parent) {}
+                  parent),
+      m_snpConversion(DesktopConversionSettings()), m_printing(m_snpConversion, printOperationRunner(), this) {}
 
-// No routine is entered for the snapshot filter yet, so its action stays disabled.
+void SnpView::bindConversion(ConversionProxy& proxy) {
+    proxy.setTarget(&m_snpConversion);
+}
+
+void SnpView::bindPrint(PrintPrintPreviewProxy& proxy) {
+    proxy.setTarget(&m_printing);
+}
+
 void SnpView::enterFamilyCommands() {
+    addCommand(FilterId, [this] { static_cast<SnpUiDocument&>(uiDocument()).onFilter(this); });
     for (int id = FirstColumnToggleId; id <= LastColumnToggleId; ++id) {
         addCommand(id, [this, id] { executeContextMenuCommand(id); });
         addUpdateCommand(id, [this, id](QAction& action) {

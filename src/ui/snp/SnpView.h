@@ -1,5 +1,7 @@
 #pragma once
 
+#include "export/PrintPrintPreviewImpl.h"
+#include "export/SnpConversion.h"
 #include "xmldoc/XmlListView.h"
 
 namespace zdtui {
@@ -28,6 +30,12 @@ protected:
     void getTextColors(std::vector<QColor>& colors) override;
     void getColumnAlignments(std::vector<TextAlignment>& alignments) override;
     void loadContextMenu(QMenu& menu) override;
+    void bindConversion(ConversionProxy& proxy) override;
+    void bindPrint(PrintPrintPreviewProxy& proxy) override;
+
+private:
+    ZDTAnalyzer::SnpConversion m_snpConversion;
+    PrintPrintPreviewImpl m_printing;
 };
 
 } // namespace zdtui

@@ -326,22 +326,16 @@ std::optional<AdornedListView::SaveAsChoice> AdornedListView::chooseSaveAsName(c
 }
 
 void AdornedListView::exportTo(int filterIndex, const std::string& input, const std::string& output) {
-    switch (filterIndex) {
-    case 1:
-        m_conversion.toHtml(input, output);
-        break;
-    case 2:
-        m_conversion.toRtf(input, output);
-        break;
-    case 3:
-        m_conversion.toPdf(input, output);
-        break;
-    case 4:
-        m_conversion.toCsv(input, output);
-        break;
-    default:
-        break;
-    }
+    // In the order of the Save As filters.
+    static constexpr ZDTAnalyzer::ExportFormat Formats[] = {
+        ZDTAnalyzer::ExportFormat::Html, ZDTAnalyzer::ExportFormat::Rtf, ZDTAnalyzer::ExportFormat::Pdf,
+        ZDTAnalyzer::ExportFormat::Csv};
+    if (filterIndex < 1 || filterIndex > 4)
+        return;
+    // The proxy refuses here, on the thread of the windows, rather than in the operation.
+    if (!m_conversion.hasTarget())
+        throw Conversion::Exception(ConversionProxy::NotImplementedText);
+    startExport(m_conversion, Formats[filterIndex - 1], input, output);
 }
 
 void AdornedListView::onSaveAs() {

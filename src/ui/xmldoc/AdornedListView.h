@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xmldoc/ConversionProxy.h"
+#include "export/ConversionProxy.h"
 #include "xmldoc/PrintPrintPreviewProxy.h"
 
 #include <QColor>
@@ -23,6 +23,9 @@ class BaseDoc;
 }
 
 namespace zdtui {
+
+using ZDTAnalyzer::Conversion;
+using ZDTAnalyzer::ConversionProxy;
 
 class AdornedListModel;
 
@@ -154,6 +157,9 @@ protected:
 
     // The document's path name, for exports and printing.
     virtual QString documentPathName() const = 0;
+    // Runs the export of `input` to `output` with `conversion`, which has a target.
+    virtual void startExport(Conversion& conversion, ZDTAnalyzer::ExportFormat format, const std::string& input,
+                             const std::string& output) = 0;
     // A find mark and a bookmark, 16 by 16, for views without images of their own.
     static std::array<QPixmap, 2> DefaultMarkImages();
 

@@ -8,6 +8,7 @@
 #include "xmldoc/dialogs/BookmarkDialogs.h"
 
 #include <QAction>
+#include <QFile>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 
@@ -66,7 +67,10 @@ void XmlListView::enterCommands() {
 
 void XmlListView::enterMarkCommands() {
     const auto whenBookmarks = [this](QAction& action) { action.setEnabled(!document().bookmarks().empty()); };
-    const auto whenFindResults = [this](QAction& action) { action.setEnabled(!document().findResults().empty()); };
+    // A running search is still filling the results: they are not read before it ended.
+    const auto whenFindResults = [this](QAction& action) {
+        action.setEnabled(!m_uiDocument.isBusy() && !document().findResults().empty());
+    };
     for (int id : {PreviousBookmarkId, NextBookmarkId}) {
         addCommand(id, [this, id] { goTo(id); });
         addUpdateCommand(id, whenBookmarks);
@@ -92,7 +96,7 @@ void XmlListView::loadImages(std::array<QPixmap, 2>& images) {
     images = DefaultMarkImages();
 }
 
-// No export or printing of XML documents exists yet: the proxies keep no target and refuse.
+// A family without conversions keeps the proxies empty: they refuse with their messages.
 void XmlListView::bindConversion(ConversionProxy& proxy) {
     proxy.setTarget(nullptr);
 }
@@ -109,6 +113,18 @@ QString XmlListView::getDisplayText(int row, int field) {
 
 QString XmlListView::documentPathName() const {
     return m_uiDocument.pathName();
+}
+
+void XmlListView::startExport(Conversion& conversion, ZDTAnalyzer::ExportFormat format, const std::string& input,
+                              const std::string& output) {
+    m_uiDocument.runConversion(this, tr("Exporting %1").arg(QFile::decodeName(output.c_str())),
+                               ZDTAnalyzer::ConversionJob(conversion, format, input, output));
+}
+
+PrintPrintPreviewImpl::OperationRunner XmlListView::printOperationRunner() {
+    return [this](const QString& label, zdt::OperationJob job, PrintPrintPreviewImpl::Finish finish) {
+        return m_uiDocument.runConversion(this, label, std::move(job), std::move(finish));
+    };
 }
 
 void XmlListView::goTo(int id) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/UiDocument.h"
+#include "export/PrintPrintPreviewImpl.h"
 #include "xmldoc/AdornedListView.h"
 
 #include <string>
@@ -64,6 +65,10 @@ protected:
     void bindPrint(PrintPrintPreviewProxy& proxy) override;
     QString getDisplayText(int row, int field) override;
     QString documentPathName() const override;
+    void startExport(Conversion& conversion, ZDTAnalyzer::ExportFormat format, const std::string& input,
+                     const std::string& output) override;
+    // Runs a print's conversion as the document's operation, its boxes on this list.
+    PrintPrintPreviewImpl::OperationRunner printOperationRunner();
 
     XmlUiDocument& uiDocument() const { return m_uiDocument; }
 

@@ -115,6 +115,19 @@ void XmlUiDocument::runSearch(QWidget* parent, const Search& search) {
         });
 }
 
+bool XmlUiDocument::runConversion(QWidget* boxParent, const QString& label, zdt::OperationJob job,
+                                  OperationFinish finish) {
+    const QPointer<QWidget> parent = boxParent;
+    return runOperation(label, std::move(job), [this, parent, finish](const zdt::OperationOutcome& outcome) {
+        workEnded();
+        BoxMessageSink boxes(parent);
+        for (const zdt::UserMessage& message : outcome.messages)
+            boxes.showMessage(message);
+        if (finish)
+            finish(outcome);
+    });
+}
+
 void XmlUiDocument::onBookmarkList(QWidget* parent) {
     if (m_doc->canShowBookmarkList())
         RunBookmarkList(parent, *m_doc, pathName());

@@ -42,6 +42,10 @@ public:
     virtual void onSessionInformation(QWidget* parent) = 0;
     void onBookmarkList(QWidget* parent);
 
+    // Runs an export or a print's conversion as the document's operation: its boxes go on
+    // `boxParent` when it ended, then `finish`. False when other work runs.
+    bool runConversion(QWidget* boxParent, const QString& label, zdt::OperationJob job, OperationFinish finish = {});
+
 Q_SIGNALS:
     // Rows, marks, the layout or the commands' states changed; views refresh.
     void contentChanged();

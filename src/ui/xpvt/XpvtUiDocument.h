@@ -1,5 +1,6 @@
 #pragma once
 
+#include "filter/FilterRun.h"
 #include "xmldoc/XmlUiDocument.h"
 #include "xpvt/XpvtDoc.h"
 
@@ -22,12 +23,26 @@ public:
     // The search with the stored criteria, on a worker thread under its progress.
     void runFind(QWidget* parent);
     void onSessionInformation(QWidget* parent) override;
-    void onFilter(QWidget* parent);
+    // The filter dialogs of the document's schema, then the run of the chosen filter on a
+    // worker thread; its result opens as a new document. Returns whether a run started.
+    bool onFilter(QWidget* parent);
 
 protected:
     bool readFile(const std::string& path, const std::string& swapDirectory, zdt::MessageSink* messages,
                   zdt::ProgressSink& progress) override;
     XmlListView* makeView(QWidget* parent) override;
+    void beforeOperation(BackgroundOperation& operation) override;
+
+private:
+    using FilterJob = std::function<zdt::OperationStatus(const ZDTAnalyzer::Filter::FilterRunTarget& target,
+                                                         zdt::MessageSink& messages, zdt::OperationControl& control)>;
+    bool filter701(QWidget* parent);
+    bool filter702(QWidget* parent);
+    bool runFilter(QWidget* parent, const FilterJob& run);
+
+    // A filter run reads the file by its path and leaves the rows alone, so the document
+    // keeps telling its views directly.
+    bool m_filterStarting = false;
 };
 
 } // namespace zdtui

@@ -1,5 +1,7 @@
 #include "xpvt/XpvtView.h"
 
+#include "export/DesktopConversionSettings.h"
+
 #include "xpvt/XpvtColumnSettings.h"
 #include "xpvt/XpvtDoc.h"
 #include "xpvt/XpvtUiDocument.h"
@@ -80,7 +82,17 @@ std::string StoredColumnSettings() {
 XpvtView::XpvtView(XpvtUiDocument& document, QWidget* parent)
     : XmlListView(document, Family{MenuResourceId, SessionInformationId, DocumentFilterId, XpvtDoc::NoRowSelectedText},
                   parent),
-      m_uiDocument(document) {}
+      m_uiDocument(document), m_conversion701(DesktopConversionSettings()),
+      m_conversion702(DesktopConversionSettings()), m_printing701(m_conversion701, printOperationRunner(), this),
+      m_printing702(m_conversion702, printOperationRunner(), this) {}
+
+void XpvtView::bindConversion(ConversionProxy& proxy) {
+    proxy.setTarget(is702() ? static_cast<Conversion*>(&m_conversion702) : &m_conversion701);
+}
+
+void XpvtView::bindPrint(PrintPrintPreviewProxy& proxy) {
+    proxy.setTarget(is702() ? &m_printing702 : &m_printing701);
+}
 
 XpvtDoc& XpvtView::doc() const {
     return m_uiDocument.xpvtDoc();

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "export/PrintPrintPreviewImpl.h"
+#include "export/XpvtNewConversion.h"
+#include "export/XpvtOldConversion.h"
 #include "xmldoc/XmlListView.h"
 
 #include <QMenu>
@@ -64,6 +67,9 @@ protected:
     void getTextColors(std::vector<QColor>& colors) override;
     void getColumnAlignments(std::vector<TextAlignment>& alignments) override;
     void loadContextMenu(QMenu& menu) override;
+    // Bound again whenever the list is laid out for a newly learnt schema.
+    void bindConversion(ConversionProxy& proxy) override;
+    void bindPrint(PrintPrintPreviewProxy& proxy) override;
 
 private:
     ZDTAnalyzer::XpvtDoc& doc() const;
@@ -74,6 +80,10 @@ private:
     // be 7.02 while the popup is still this view's.
     QPointer<QMenu> m_columnsMenu;
     bool m_laidOutFor702 = false;
+    ZDTAnalyzer::XpvtOldConversion m_conversion701;
+    ZDTAnalyzer::XpvtNewConversion m_conversion702;
+    PrintPrintPreviewImpl m_printing701;
+    PrintPrintPreviewImpl m_printing702;
 };
 
 } // namespace zdtui

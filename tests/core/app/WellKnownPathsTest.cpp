@@ -51,6 +51,76 @@ TEST(WellKnownPaths, BinaryDirIsAnalyzerBesideTheRunningExecutable) {
     EXPECT_EQ(&AnalyzerBinaryDir(), &dir);
 }
 
+TEST(WellKnownPaths, InstallationFilesAreBesideTheProgramElseUnderItsPrefix) {
+    ScratchDirectory scratch;
+    const std::string prefix = scratch.path() + "/usr";
+    fs::create_directories(prefix + "/bin");
+    // Nothing installed yet: the build-tree place, so a missing folder is named where it is expected.
+    EXPECT_EQ(ResolveAnalyzerBinaryDir(prefix + "/bin"), prefix + "/bin/Analyzer/");
+
+    fs::create_directories(prefix + "/share/zdt-analyzer/Analyzer");
+    EXPECT_EQ(ResolveAnalyzerBinaryDir(prefix + "/bin"), prefix + "/share/zdt-analyzer/Analyzer/");
+    EXPECT_EQ(ResolveAnalyzerBinaryDir(prefix + "/bin/"), prefix + "/share/zdt-analyzer/Analyzer/");
+
+    // A build tree inside a prefix keeps its own copy.
+    fs::create_directories(prefix + "/bin/Analyzer");
+    EXPECT_EQ(ResolveAnalyzerBinaryDir(prefix + "/bin"), prefix + "/bin/Analyzer/");
+
+    // A plain file named Analyzer is no installation.
+    fs::create_directories(scratch.path() + "/opt/bin");
+    fs::create_directories(scratch.path() + "/opt/share/zdt-analyzer/Analyzer");
+    WriteFile(scratch.path() + "/opt/bin/Analyzer");
+    EXPECT_EQ(ResolveAnalyzerBinaryDir(scratch.path() + "/opt/bin"),
+              scratch.path() + "/opt/share/zdt-analyzer/Analyzer/");
+}
+
+TEST(WellKnownPaths, InstalledFilesAreNeverWrittenEvenWhenWritable) {
+    ScratchDirectory scratch;
+    const std::string installed = scratch.path() + "/usr/share/zdt-analyzer/Analyzer/";
+    fs::create_directories(installed);
+    EnvironmentOverride noHome("ZDT_ANALYZER_HOME", nullptr);
+    EnvironmentOverride xdg("XDG_DATA_HOME", (scratch.path() + "/data").c_str());
+
+    EXPECT_TRUE(IsInstalledAnalyzerDir(installed));
+    EXPECT_TRUE(IsInstalledAnalyzerDir("/usr/share/zdt-analyzer/Analyzer"));
+    EXPECT_FALSE(IsInstalledAnalyzerDir("/work/build/Analyzer/"));
+    EXPECT_FALSE(IsInstalledAnalyzerDir("/usr/share/other-zdt-analyzer/Analyzer/"));
+    // The folder is writable here (as all of /usr is for the super-user), and still skipped.
+    ASSERT_TRUE(CanWriteOrCreateDirectory(installed + "Temp/"));
+    EXPECT_EQ(ResolveAnalyzerTempRoot(installed), scratch.path() + "/data/ZDT-Analyzer/Temp/");
+    EXPECT_EQ(ResolveAnalyzerDataDir(installed, "CommonCANFilters"),
+              scratch.path() + "/data/ZDT-Analyzer/CommonCANFilters/");
+    EXPECT_FALSE(fs::exists(installed + "Temp"));
+}
+
+TEST(WellKnownPaths, UserDataDirIsSeededOnceWithTheInstalledFiles) {
+    ScratchDirectory scratch;
+    const std::string installed = scratch.path() + "/usr/share/zdt-analyzer/Analyzer/";
+    fs::create_directories(installed + "FilterDefaultDir/nested");
+    WriteFile(installed + "FilterDefaultDir/speed.pvflt", "shipped");
+    WriteFile(installed + "FilterDefaultDir/nested/ignored.pvflt");
+    const std::string user = scratch.path() + "/data/ZDT-Analyzer/FilterDefaultDir/";
+
+    SeedDataDirFromInstallation(installed, "FilterDefaultDir", user);
+    std::string text;
+    std::ifstream(user + "speed.pvflt") >> text;
+    EXPECT_EQ(text, "shipped");
+    EXPECT_FALSE(fs::exists(user + "nested"));
+
+    // A user's own changes survive the next start.
+    fs::remove(user + "speed.pvflt");
+    WriteFile(user + "mine.pvflt");
+    SeedDataDirFromInstallation(installed, "FilterDefaultDir", user);
+    EXPECT_FALSE(fs::exists(user + "speed.pvflt"));
+    EXPECT_TRUE(fs::exists(user + "mine.pvflt"));
+
+    // The installation's own folder, or one that ships nothing, is left as it is.
+    SeedDataDirFromInstallation(installed, "FilterDefaultDir", installed + "FilterDefaultDir/");
+    EXPECT_FALSE(fs::exists(installed + "FilterDefaultDir/mine.pvflt"));
+    SeedDataDirFromInstallation(installed, "Missing", scratch.path() + "/data/ZDT-Analyzer/Missing/");
+    EXPECT_FALSE(fs::exists(scratch.path() + "/data/ZDT-Analyzer/Missing"));
+}
+
 TEST(WellKnownPaths, TempRootPrefersOverrideThenProgramThenUserDataHome) {
     ScratchDirectory scratch;
     const std::string writableBinaryDir = scratch.path() + "/install/bin/Analyzer/";

@@ -1,8 +1,13 @@
+#include "ClassicTraceGenerator.h"
 #include "classic/CAnalyzerDoc.h"
 #include "classic/ClassicRowFormatter.h"
 #include "support/ClassicTraces.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
 
 namespace {
 
@@ -124,6 +129,69 @@ TEST(ClassicRows, Schema701WalksBackToTheLastTimedRecord) {
     EXPECT_EQ(Times(doc), (Texts{"", "--", "", "7,000"}));
     doc.SetTimeMode(TimeMode::Absolute);
     EXPECT_EQ(Times(doc), (Texts{"", "12,345", "", "20,000"}));
+}
+
+// A row's line holds its number, mark and columns as Format gives them, for every kind of
+// record, time mode and order of asking, and for rows that cannot be read.
+std::string GeneratedTrace(const char* schema, zdtgen::RecordMix mix, const char* title) {
+    zdtgen::ClassicTraceOptions options;
+    options.schema = schema;
+    options.mix = mix;
+    options.title = std::string(title);
+    options.records = 400;
+    options.seed = 17;
+    options.hostile = zdtgen::HostileExtras::AllKinds();
+    options.hostile.every = 9;
+    return zdtgen::MakeClassicTrace(options);
+}
+
+// A row's line holds its number, mark and columns as Format gives them, for every kind of
+// record, time mode and order of asking, and for rows that cannot be read.
+TEST(ClassicRows, RowLinesHoldWhatFormatGives) {
+    const std::string traces[] = {
+        GeneratedTrace("601", zdtgen::RecordMix::All, "ZDT Trace File"),
+        GeneratedTrace("701", zdtgen::RecordMix::All, "ZDT Trace File"),
+        GeneratedTrace("501", zdtgen::RecordMix::KLine, "ZDT Trace File"),
+        GeneratedTrace("2", zdtgen::RecordMix::Events, "ZDT Trace File"),
+        GeneratedTrace("601", zdtgen::RecordMix::Traffic, "ZDT Trace File"),
+        GeneratedTrace("5", zdtgen::RecordMix::Can, "CAN Onboard Trace"),
+        Diagnostic601(),
+        Diagnostic701(),
+    };
+    std::set<std::string> marks;
+    for (const std::string& trace : traces) {
+        TempDir dir;
+        CAnalyzerDoc doc;
+        ASSERT_TRUE(doc.OnOpenDocument(dir.Write("t.trc", trace)));
+        SCOPED_TRACE(doc.SchemaNumber());
+        for (zdt::RowIndex row = 0; row < doc.GetVisibleCount(); row += 2)
+            doc.ToggleBookmark(row);
+        // Every row in order, a few beyond the last, then all of them again shuffled.
+        std::vector<zdt::RowIndex> order;
+        for (zdt::RowIndex row = 0; row < doc.GetVisibleCount() + 3; ++row)
+            order.push_back(row);
+        std::vector<zdt::RowIndex> shuffled = order;
+        std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(5));
+        order.insert(order.end(), shuffled.begin(), shuffled.end());
+
+        for (const TimeMode mode :
+             {TimeMode::Relative, TimeMode::Absolute, TimeMode::RelativeChannel, TimeMode::InterByte}) {
+            doc.SetTimeMode(mode, 961);
+            ClassicRowFormatter columns(doc), lines(doc);
+            for (const zdt::RowIndex row : order) {
+                const ClassicRow formatted = columns.Format(row);
+                std::string expected = std::to_string(row + 1) + "\t" + formatted.mark;
+                for (const std::string& column : formatted.columns)
+                    expected += "\t" + column;
+                expected += "\n";
+                std::string line = "before ";
+                lines.AppendRowLine(row, line);
+                ASSERT_EQ(line, "before " + expected) << "row " << row;
+                marks.insert(formatted.mark);
+            }
+        }
+    }
+    EXPECT_EQ(marks, (std::set<std::string>{" ", "A", "B", "BA"}));
 }
 
 TEST(ClassicRows, ColumnRegistrationMatchesTheColumns) {

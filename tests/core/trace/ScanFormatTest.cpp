@@ -340,3 +340,160 @@ TEST(ScanLine, CutsLongLinesAndReadsEmptyBeyondTheEnd) {
     EXPECT_EQ(none.length, 0u);
     EXPECT_STREQ(none.At(0), "");
 }
+
+namespace {
+
+// Random lines in the plain layout of a format, each then damaged at most once.
+class PlainLineMaker {
+public:
+    explicit PlainLineMaker(unsigned seed) : m_random(seed) {}
+
+    std::string HexDigits(int count) { return Pick("0123456789abcdefABCDEF", count); }
+    std::string DecimalDigits(int count) { return Pick("0123456789", count); }
+    // `digits` digits right-aligned in `width` columns.
+    std::string RightAligned(const char* set, int width) {
+        const int digits = 1 + static_cast<int>(Below(static_cast<unsigned>(width)));
+        return std::string(static_cast<std::size_t>(width - digits), ' ') + Pick(set, digits);
+    }
+    std::string Damaged(std::string line) {
+        static const char Troublemakers[] = " \t-+xX0g\xb5";
+        const std::size_t at = Below(static_cast<unsigned>(line.size()));
+        switch (Below(5)) {
+        case 0:
+            line[at] = Troublemakers[Below(sizeof Troublemakers - 1)];
+            break;
+        case 1:
+            line.insert(at, 1, Troublemakers[Below(sizeof Troublemakers - 1)]);
+            break;
+        case 2:
+            line.erase(at, 1);
+            break;
+        case 3:
+            line.resize(at);
+            break;
+        default: // left whole
+            break;
+        }
+        return line;
+    }
+
+private:
+    unsigned Below(unsigned n) { return std::uniform_int_distribution<unsigned>(0, n - 1)(m_random); }
+    std::string Pick(const char* set, int count) {
+        const auto size = static_cast<unsigned>(std::strlen(set));
+        std::string s;
+        for (int i = 0; i < count; ++i)
+            s += set[Below(size)];
+        return s;
+    }
+
+    std::mt19937 m_random;
+};
+
+} // namespace
+
+// Where the plain reader accepts a line, the library's scanner reads the same values from it;
+// the lines in the plain layout are all accepted.
+TEST(PlainFieldReader, AgreesWithTheLibraryOnEveryLineItAccepts) {
+    PlainLineMaker make(99);
+    int accepted = 0;
+    for (int round = 0; round < 20000; ++round) {
+        std::string plain =
+            make.HexDigits(2) + " " + make.HexDigits(8) + " " + make.DecimalDigits(10) + " " + make.HexDigits(4);
+        for (int i = 0; i < 8; ++i)
+            plain += " " + make.HexDigits(2);
+        const std::string line = round % 4 == 0 ? plain : make.Damaged(plain);
+        SCOPED_TRACE(Describe(line));
+
+        PlainFieldReader in(line.c_str(), line.size());
+        const unsigned channel = in.Hex<2>();
+        in.Blanks<1>();
+        const unsigned identifier = in.Hex<8>();
+        in.Blanks<1>();
+        const auto time = static_cast<int>(in.Decimal<10>());
+        in.Blanks<1>();
+        const unsigned length = in.Hex<4>();
+        unsigned bytes[8];
+        in.HexBytes(bytes);
+        if (line == plain) {
+            ASSERT_TRUE(in.Ok());
+        }
+        if (!in.Ok())
+            continue;
+        ++accepted;
+        unsigned c = 0, id = 0, len = 0, b[8] = {};
+        int t = 0;
+        ASSERT_EQ(std::sscanf(line.c_str(), "%02x %08x %010d %04x %02x %02x %02x %02x %02x %02x %02x %02x", &c, &id, &t,
+                              &len, &b[0], &b[1], &b[2], &b[3], &b[4], &b[5], &b[6], &b[7]),
+                  12);
+        EXPECT_EQ(channel, c);
+        EXPECT_EQ(identifier, id);
+        EXPECT_EQ(time, t);
+        EXPECT_EQ(length, len);
+        for (int i = 0; i < 8; ++i)
+            EXPECT_EQ(bytes[i], b[i]);
+    }
+    EXPECT_GT(accepted, 5000);
+}
+
+TEST(PlainFieldReader, RightAlignedFieldsAgreeWithTheLibrary) {
+    PlainLineMaker make(5);
+    int accepted = 0;
+    for (int round = 0; round < 20000; ++round) {
+        const std::string plain = make.RightAligned("0123456789ABCDEF", 8) + " " + make.RightAligned("0123456789", 10) +
+                                  " " + make.DecimalDigits(4) + "  " + make.HexDigits(2);
+        const std::string line = round % 4 == 0 ? plain : make.Damaged(plain);
+        SCOPED_TRACE(Describe(line));
+
+        PlainFieldReader in(line.c_str(), line.size());
+        const unsigned identifier = in.RightAlignedHex<8>();
+        in.Blanks<1>();
+        const unsigned long time = in.RightAlignedDecimal<10>();
+        in.Blanks<1>();
+        const auto length = static_cast<int>(in.Decimal<4>());
+        in.Blanks<1>();
+        unsigned byte[1];
+        in.HexBytes(byte);
+        if (line == plain) {
+            ASSERT_TRUE(in.Ok());
+        }
+        if (!in.Ok())
+            continue;
+        ++accepted;
+        unsigned id = 0, b = 0;
+        unsigned long t = 0;
+        int len = 0;
+        ASSERT_EQ(std::sscanf(line.c_str(), " %8X %10lu %04d  %02x", &id, &t, &len, &b), 4);
+        EXPECT_EQ(identifier, id);
+        EXPECT_EQ(time, t);
+        EXPECT_EQ(length, len);
+        EXPECT_EQ(byte[0], b);
+    }
+    EXPECT_GT(accepted, 5000);
+}
+
+TEST(PlainFieldReader, ReadsNothingBeyondTheLengthItIsGiven) {
+    // The text goes on, but the reader is told it ends one character early.
+    const char text[] = "0A 000007E8 0000001234 0008";
+    PlainFieldReader in(text, sizeof text - 2);
+    in.Hex<2>();
+    in.Blanks<1>();
+    in.Hex<8>();
+    in.Blanks<1>();
+    in.Decimal<10>();
+    in.Blanks<1>();
+    in.Hex<4>();
+    EXPECT_FALSE(in.Ok());
+
+    // A failed step leaves the reader failed, whatever follows.
+    PlainFieldReader failed("x 12", 4);
+    failed.Hex<1>();
+    failed.Blanks<1>();
+    failed.Decimal<2>();
+    EXPECT_FALSE(failed.Ok());
+
+    // A right-aligned field needs at least one digit.
+    PlainFieldReader blank("        12", 10);
+    blank.RightAlignedHex<8>();
+    EXPECT_FALSE(blank.Ok());
+}

@@ -104,8 +104,11 @@ TEST(XpvtDocSchema, SetFieldTakesTheTwelveNamesExactlyAndIgnoresOthers) {
         d.Comment, d.Project, d.VehicleInformationTable, d.DateTime, d.LogicalLink, d.DatabaseAccessKey};
     for (std::size_t i = 0; i < names.size(); ++i)
         EXPECT_EQ(values[i], "v-" + names[i]);
+    // The schema counts from the end of the header on, which a parse publishes (see the
+    // open cases above): a window may ask while the read is still writing the description.
     description->setField("Schema", "7,02");
-    EXPECT_TRUE(doc.is702());
+    EXPECT_EQ(d.Schema, "7,02");
+    EXPECT_FALSE(doc.is702());
 }
 
 TEST(XpvtDocSchema, ASchema702HeaderSwitchesRowsAndSearchToThe702Tables) {
@@ -258,14 +261,6 @@ TEST(XpvtDocCommands, GoToNeedsASelectionAndSomethingToGoTo) {
     // A row outside a shorter list is not selected.
     EXPECT_EQ(doc.goTo(C::NextBookmark, 1, 3, &messages), std::nullopt);
     EXPECT_EQ(messages.shown.size(), 5u);
-}
-
-TEST(XpvtDocCommands, FilterFailsAndLeavesTheDocumentAsItWas) {
-    OpenedTrace trace(xpvttest::trace701("<StopTrace/>"));
-    RecordingMessages messages;
-    trace.doc.filter(&messages);
-    EXPECT_EQ(messages.Texts(), std::vector<std::string>{"Filter did not succeed."});
-    EXPECT_EQ(trace.doc.container().rowCount(), 1);
 }
 
 TEST(XpvtDocCommands, RowsTellTheViewsAsTheyArrive) {

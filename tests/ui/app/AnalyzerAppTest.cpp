@@ -71,6 +71,7 @@ const std::map<ViewCommand, const char*> CommandNames{
     {ViewCommand::ToggleNamedBookmark, "ToggleNamedBookmark"},
     {ViewCommand::BookmarkList, "BookmarkList"},
     {ViewCommand::Filter, "Filter"},
+    {ViewCommand::IdentifierStatistics, "IdentifierStatistics"},
 };
 
 // A classic stand-in whose read runs on the operation's thread like a real family's: a
@@ -431,6 +432,18 @@ private Q_SLOTS:
             QCOMPARE(g_events, QStringList({"open failed broken.trc", "close broken.trc", "box Fake"}));
             QCOMPARE(m_boxes->boxes.last().text, QString("cannot read"));
         }
+        {
+            // Several files chosen in a file manager each get a window, in their order.
+            const QStringList paths{write("first.log"), write("second.log")};
+            auto app = std::make_unique<CAnalyzerApp>(&MakeFakeTemplate);
+            QVERIFY(app->InitInstance(paths));
+            QVERIFY(WaitForWork(*app));
+            QStringList opened;
+            for (CChildFrame* child : app->mainFrame()->childFrames())
+                opened.append(child->document()->pathName());
+            opened.sort();
+            QCOMPARE(opened, QStringList({paths[0], paths[1]}));
+        }
     }
 
     void failedOpenLeavesNoWindowAndDisturbsNoOther() {
@@ -573,10 +586,11 @@ private Q_SLOTS:
         QCOMPARE(standard[0], "&File: &Open...\tCtrl+O|&Close|&Print...\tCtrl+P|Print Pre&view|P&rint Setup...|"
                               "Save &As ASCII file...|&1 " +
                                   m_files->filePath("standard.trc") + "|E&xit");
-        QCOMPARE(standard[1], QString("&Session: Session Info...|&Find\tCtrl+F|Find &Next\tCtrl+F3|"
-                                      "Find &Previous\tCtrl+Shift+F3|&Toggle Bookmark\tCtrl+F2|"
-                                      "&Goto Next Bookmark\tF2|Goto Previous &Bookmark\tShift+F2|"
-                                      "Clear All Bookmarks\tCtrl+Shift+F2|&Can Filter ..."));
+        QCOMPARE(standard[1],
+                 QString("&Session: Session Info...|Identifier statistics...|&Find\tCtrl+F|Find &Next\tCtrl+F3|"
+                         "Find &Previous\tCtrl+Shift+F3|&Toggle Bookmark\tCtrl+F2|"
+                         "&Goto Next Bookmark\tF2|Goto Previous &Bookmark\tShift+F2|"
+                         "Clear All Bookmarks\tCtrl+Shift+F2|&Can Filter ..."));
         QCOMPARE(standard[2], QString("&View: Style KLine Link|Style CAN Link|&Toolbar|B&ookmark Toolbar|&Status Bar"));
         QCOMPARE(standard[3], QString("&Window: &Cascade|Tile &Horizontally|Tile &Vertically"));
         QCOMPARE(standard[4], QString("&Help: &Help Topics\tF1|&About ZDT-Analyzer..."));

@@ -145,7 +145,7 @@ private Q_SLOTS:
     void filterButtonFollowsTheMenuItem_data() {
         QTest::addColumn<QString>("file");
         QTest::addColumn<bool>("filterWhenRead");
-        QTest::newRow("snapshot") << Sample("snapshots_basic.snp") << false;
+        QTest::newRow("snapshot") << Sample("snapshots_basic.snp") << true;
         QTest::newRow("xpvt 7.01") << Sample("xpvt_701_basic.xpvt") << true;
         QTest::newRow("xpvt 7.02") << Sample("xpvt_702_basic.xpvt") << true;
     }

@@ -487,7 +487,9 @@ void ClassicViewTest::cancelledOpenLeavesNoDocument() {
     RecordingBoxes boxes;
     zdtgen::ClassicTraceOptions options;
     options.mix = zdtgen::RecordMix::Traffic;
-    options.targetBytes = 20u << 20; // more than one block of the index pass
+    // Long enough that the read is still running when the first rows show, even when
+    // the index pass has the machine to itself.
+    options.targetBytes = 160u << 20;
     const std::string path = dir.Write("big.trc", zdtgen::MakeClassicTrace(options));
 
     // The window as the application makes it: the list, and below it the strip.

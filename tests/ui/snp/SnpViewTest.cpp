@@ -211,8 +211,8 @@ private Q_SLOTS:
             QVERIFY2(action == view->commandActionById(item.id), item.text);
             QCOMPARE(action->shortcut(), item.keys);
         }
-        // The snapshot filter has no routine yet; the bookmark list waits for a bookmark.
-        QVERIFY(!MenuItem(frame, "&Session", "Filte&r...")->isEnabled());
+        // The snapshot filter may start once the file is read; the bookmark list waits for a bookmark.
+        QVERIFY(MenuItem(frame, "&Session", "Filte&r...")->isEnabled());
         QVERIFY(!MenuItem(frame, "&Session", "Bookmark &List...")->isEnabled());
         view->selectListRow(1);
         MenuItem(frame, "&Session", "&Toggle Bookmark")->trigger();
@@ -391,7 +391,7 @@ private Q_SLOTS:
         QVERIFY(boxes.boxes.isEmpty());
     }
 
-    void exportAndPrintRefuse() {
+    void saveAsProposesTheTraceNameAndAsksBeforeReplacing() {
         zdtgen::SnapshotOptions options;
         options.snapshots = 1;
         const QString path = writeSnapshot("trace.snp", options);
@@ -399,8 +399,9 @@ private Q_SLOTS:
         std::unique_ptr<SnpUiDocument> document = openDocument(path);
         std::unique_ptr<SnpView> view(makeView(*document));
 
+        // The dialog is dismissed each time: the exports themselves are tested elsewhere.
         QStringList proposed;
-        QList<AdornedListView::SaveAsChoice> answers{{m_dir->filePath("out"), 1}};
+        QList<AdornedListView::SaveAsChoice> answers;
         view->setSaveAsChooser([&](QWidget*, const QString& name) -> std::optional<AdornedListView::SaveAsChoice> {
             proposed << name;
             if (answers.isEmpty())
@@ -409,10 +410,9 @@ private Q_SLOTS:
         });
         view->runCommand(AdornedListView::SaveAsId);
         QCOMPARE(proposed, QStringList({m_dir->filePath("trace")}));
-        QCOMPARE(boxes.Texts(), QStringList({"Converion of this type not implemented yet."}));
+        QVERIFY(boxes.boxes.isEmpty());
 
         // A grown name that exists is asked about; No goes back to the file dialog.
-        boxes.boxes.clear();
         QFile existing(m_dir->filePath("report.csv"));
         QVERIFY(existing.open(QIODevice::WriteOnly));
         existing.close();
@@ -424,13 +424,8 @@ private Q_SLOTS:
         QCOMPARE(boxes.boxes[0].title, QString("Save As"));
         QCOMPARE(boxes.boxes[0].text, m_dir->filePath("report.csv") + " already exists.\nDo you want to replace it?");
         QCOMPARE(proposed.size(), 3);
-
-        boxes.boxes.clear();
-        view->onPrint();
-        view->onPrintPreview();
-        QCOMPARE(boxes.Texts(),
-                 QStringList({"Print not implemented for this type!", "Print preview not implemented for this type!"}));
-        QVERIFY(!view->commandAction(ViewCommand::Print)->isEnabled());
+        QVERIFY(!document->isBusy());
+        QVERIFY(view->commandAction(ViewCommand::Print)->isEnabled());
     }
 
     void sessionInformationShowsTimeBeforeTheComma() {

@@ -1,0 +1,154 @@
+#include "export/ToolRunner.h"
+
+#include "common/ChildProcess.h"
+#include "export/TemporaryName.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace ZDTAnalyzer {
+namespace {
+
+std::string fileText(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+std::string formatted(const char* format, int value) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, value);
+    return text;
+}
+
+} // namespace
+
+std::string XPathStringLiteral(const std::string& text) {
+    if (text.find('\'') == std::string::npos)
+        return "'" + text + "'";
+    if (text.find('"') == std::string::npos)
+        return "\"" + text + "\"";
+    // Both kinds of quote: XPath 1.0 has no escape, so the pieces are joined.
+    std::string expression = "concat(''";
+    std::size_t start = 0;
+    for (std::size_t quote; (quote = text.find('\'', start)) != std::string::npos; start = quote + 1)
+        expression += ", '" + text.substr(start, quote - start) + "', \"'\"";
+    return expression + ", '" + text.substr(start) + "')";
+}
+
+void AppendSheetParameters(std::vector<std::string>& arguments, const SheetParameters& parameters) {
+    for (const auto& [name, value] : parameters) {
+        arguments.push_back(name);
+        arguments.push_back(value);
+    }
+}
+
+ToolRunner::ToolRunner(const ConversionSettings& settings, ConversionKind kind, zdt::MessageSink& messages,
+                       zdt::OperationControl& control)
+    : m_settings(settings), m_kind(kind), m_messages(messages), m_control(control) {
+    // The temporary files of every step go there; a run's directory that went missing
+    // (or was never made, as for the command line's private one) is made again.
+    std::error_code ignored;
+    if (!m_settings.temporaryDirectory.empty())
+        std::filesystem::create_directories(m_settings.temporaryDirectory, ignored);
+}
+
+std::string ToolRunner::temporary(const std::string& extension) const {
+    return temporaryName(m_settings.temporaryDirectory, extension);
+}
+
+void ToolRunner::showNotStarted(int error) {
+    m_messages.showMessage(
+        {CreateProcessFailedTitle, formatted(CreateProcessFailedText, error), zdt::MessageIcon::Warning});
+}
+
+ProcessOutcome ToolRunner::runScript(std::vector<std::string> arguments, const std::string& standardOutput,
+                                     const std::string& standardError, const char* failureTitle,
+                                     const std::string& failureText, bool lineFeedBetween) {
+    const ProcessRun run = runProcess(arguments, &m_control);
+    if (run.outcome == ProcessOutcome::NotStarted) {
+        showNotStarted(run.startError);
+    } else if (run.outcome == ProcessOutcome::Failed) {
+        std::string text = failureText + "standard output stream:\n" + fileText(standardOutput);
+        if (lineFeedBetween)
+            text += "\n";
+        text += "standard error stream:\n" + fileText(standardError);
+        m_messages.showMessage({failureTitle, text, zdt::MessageIcon::Warning});
+    }
+    return run.outcome;
+}
+
+ProcessOutcome ToolRunner::xalan(const std::string& input, const std::string& sheet, const std::string& output,
+                                 const SheetParameters& parameters) {
+    const std::string standardOutput = temporary(TmpTxtExtension);
+    const std::string standardError = temporary(TmpTxtExtension);
+    std::vector<std::string> arguments{
+        m_settings.paths.xalanScript(), input, sheet, output, standardOutput, standardError};
+    AppendSheetParameters(arguments, parameters);
+    return runScript(std::move(arguments), standardOutput, standardError, TransformationFailedTitle,
+                     TransformationFailedText, true);
+}
+
+ProcessOutcome ToolRunner::pdf(const std::string& input, const std::string& output, const SheetParameters& parameters) {
+    const std::string standardOutput = temporary(TmpTxtExtension);
+    const std::string standardError = temporary(TmpTxtExtension);
+    std::vector<std::string> arguments{m_settings.paths.sheets(m_kind).pdfScript, input, output, standardOutput,
+                                       standardError};
+    AppendSheetParameters(arguments, parameters);
+    const bool snapshot = m_kind == ConversionKind::Snapshot;
+    return runScript(std::move(arguments), standardOutput, standardError,
+                     snapshot ? SnpPdfFailedTitle : XpvtPdfFailedTitle, snapshot ? SnpPdfFailedText : XpvtPdfFailedText,
+                     false);
+}
+
+ProcessOutcome ToolRunner::joinPdf(const std::vector<std::string>& parts, const std::string& output) {
+    zdt::ChildProcessSpec spec;
+    spec.arguments.push_back("pdfunite");
+    spec.arguments.insert(spec.arguments.end(), parts.begin(), parts.end());
+    spec.arguments.push_back(output);
+    spec.standardOutput = zdt::ChildStream::capture();
+    spec.standardError = zdt::ChildStream::capture();
+    const zdt::ChildProcessResult result = zdt::RunChildProcess(spec, &m_control);
+    switch (result.end) {
+    case zdt::ChildProcessResult::End::NotStarted:
+        showNotStarted(result.startError);
+        return ProcessOutcome::NotStarted;
+    case zdt::ChildProcessResult::End::Cancelled:
+        return ProcessOutcome::Cancelled;
+    case zdt::ChildProcessResult::End::Exited:
+    case zdt::ChildProcessResult::End::Signalled:
+        break;
+    }
+    if (result.succeeded())
+        return ProcessOutcome::Succeeded;
+    const bool snapshot = m_kind == ConversionKind::Snapshot;
+    m_messages.showMessage({snapshot ? SnpPdfFailedTitle : XpvtPdfFailedTitle,
+                            std::string(snapshot ? SnpPdfFailedText : XpvtPdfFailedText) + "standard output stream:\n" +
+                                result.standardOutput + "standard error stream:\n" + result.standardError,
+                            zdt::MessageIcon::Warning});
+    return ProcessOutcome::Failed;
+}
+
+std::optional<unsigned> ToolRunner::pdfPageCount(const std::string& pdfPath) {
+    zdt::ChildProcessSpec spec;
+    spec.arguments = {"pdfinfo", pdfPath};
+    spec.standardOutput = zdt::ChildStream::capture();
+    const zdt::ChildProcessResult result = zdt::RunChildProcess(spec, &m_control);
+    if (!result.succeeded())
+        return std::nullopt;
+    std::istringstream lines(result.standardOutput);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("Pages:", 0) == 0) {
+            const unsigned long pages = std::strtoul(line.c_str() + 6, nullptr, 10);
+            if (pages == 0)
+                return std::nullopt;
+            return static_cast<unsigned>(pages);
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace ZDTAnalyzer

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "common/Operation.h"
+#include "filter/FilterCondition702.h"
+
+#include <set>
+#include <string>
+#include <vector>
+
+// The runs of the three filters as long operations: each builds its query over a plain
+// stand-in for the document's path, lets the engine write the result beside the chosen
+// output name and renames it there only on success, so a failed or cancelled run leaves
+// nothing at that name. Failures become the filter's own box.
+namespace ZDTAnalyzer::Filter {
+
+inline constexpr const char* Filter701ErrorTitle = "E013_004 [Filter.]";
+inline constexpr const char* Filter701ErrorFormat = "Error occured:\n%s !";
+inline constexpr const char* Filter702ErrorTitle = "E009_003 [Filter.]";
+inline constexpr const char* SnpServiceListErrorTitle = "E009_001 [Filter.]";
+inline constexpr const char* SnpFilterErrorTitle = "E009_003 [Filter.]";
+inline constexpr const char* FilterErrorFormat = "Filter error : %s !";
+
+struct FilterRunTarget {
+    // The document as the user named it.
+    std::string documentPath;
+    // Where the result document goes; it appears there whole or not at all.
+    std::string outputPath;
+    // Where the run keeps its private files (the per-run directory); empty: the system's.
+    std::string scratchParent;
+};
+
+// "Could not load filter conditions from file: <path> !"
+std::string couldNotLoadFilterText(const std::string& filterPath);
+
+// The 7.01 filter of the .pvflt file `filterPath`, read by the run reader. A file that
+// cannot be read, or lacks any of the conditions, fails with couldNotLoadFilterText.
+zdt::OperationStatus runFilter701(const FilterRunTarget& target, const std::string& filterPath,
+                                  zdt::MessageSink& messages, zdt::OperationControl& control);
+
+// The 7.02 filter of `record`. Parent primitive, response name and response message are
+// tested as "any of the values contains the text" (see MultiValueTests).
+zdt::OperationStatus runFilter702(const FilterRunTarget& target, const XPVT_7_02::FilterCondition702& record,
+                                  zdt::MessageSink& messages, zdt::OperationControl& control);
+
+// The service names of a snapshot file, as its filter dialog lists them.
+zdt::OperationStatus listSnapshotServices(const std::string& documentPath, const std::string& scratchParent,
+                                          std::set<std::string>& names, zdt::MessageSink& messages,
+                                          zdt::OperationControl& control);
+
+// The snapshot filter keeping the services `chosenNames`, in the dialog's list order.
+zdt::OperationStatus runSnapshotFilter(const FilterRunTarget& target, const std::vector<std::string>& chosenNames,
+                                       zdt::MessageSink& messages, zdt::OperationControl& control);
+
+} // namespace ZDTAnalyzer::Filter

@@ -1,0 +1,326 @@
+#include "export/ConversionProxy.h"
+#include "export/SnpConversion.h"
+#include "export/XpvtNewConversion.h"
+#include "export/XpvtOldConversion.h"
+
+#include "core/export/ExportInstallation.h"
+
+#include "XpvtTraceGenerator.h"
+#include "common/ChildProcess.h"
+#include "support/RecordingMessages.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <sstream>
+#include <thread>
+
+namespace {
+
+namespace fs = std::filesystem;
+using zdt::OperationStatus;
+using ZDTAnalyzer::ConversionKind;
+using ZDTAnalyzer::ExportFormat;
+
+constexpr const char* Html702 = "xsl/xpvt_7_02/html/xpvt_to_html.xsl";
+const std::string SmallTrace = "<?xml version=\"1.0\"?>\n<ProcessValueTrace><Description><Schema>7,02</Schema>"
+                               "</Description>\n<Trace><StartTrace/><Result/><StopTrace/></Trace>\n"
+                               "</ProcessValueTrace>\n";
+
+class ConversionPipelineTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!ExportInstallation::HasTools())
+            GTEST_SKIP() << "Xalan is not installed";
+    }
+
+    OperationStatus run(ZDTAnalyzer::Conversion& conversion, ExportFormat format, const std::string& input,
+                        const std::string& output) {
+        zdt::OperationControl control;
+        return conversion.convert(format, input, output, messages, control);
+    }
+
+    // The files of `folder`, hidden ones included.
+    static std::vector<std::string> filesIn(const std::string& folder) {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    ExportInstallation installation;
+    TempDir out;
+    RecordingMessages messages;
+};
+
+TEST_F(ConversionPipelineTest, HtmlReachesTheToolWithoutTheSecondInstructionWhateverTheNames) {
+    installation.write(Html702, ChildListSheet());
+    ZDTAnalyzer::XpvtNewConversion conversion(installation.settings());
+    const std::string odd = "blank 'quote' \"double\" #hash %25 \xC3\xA9t\xC3\xA9";
+    fs::create_directories(out.File(odd));
+    const std::string input =
+        out.Write(odd + "/in " + odd + ".xpvt", "<?xml version=\"1.0\"?>\n<?xml-stylesheet href=\"elsewhere.xsl\"?>\n" +
+                                                    SmallTrace.substr(SmallTrace.find('<', 2)));
+    const std::string output = out.File(odd + "/out " + odd + ".html");
+
+    EXPECT_EQ(run(conversion, ExportFormat::Html, input, output), OperationStatus::Done);
+    EXPECT_EQ(TempDir::Read(output), "HEAD instructions=0\n@1\nStartTrace\nResult\nStopTrace\nTAIL\n");
+    EXPECT_TRUE(messages.shown.empty());
+    EXPECT_EQ(filesIn(out.File(odd)),
+              (std::vector<std::string>{fs::path(input).filename().string(), fs::path(output).filename().string()}));
+}
+
+TEST_F(ConversionPipelineTest, CsvTakesTheSheetOfTheListSeparator) {
+    installation.write("xsl/snp/csv/snp_to_csv.xsl", FixedTextSheet("comma"));
+    installation.write("xsl/snp/csv/snp_to_csv1.xsl", FixedTextSheet("semicolon"));
+    const std::string input = out.Write("s.snp", "<?xml version=\"1.0\"?>\n<SnapList><SnapShot/></SnapList>");
+    for (const auto& [separator, expected] : {std::pair{',', "comma"}, std::pair{';', "semicolon"}}) {
+        ZDTAnalyzer::SnpConversion conversion(installation.settings(separator));
+        EXPECT_EQ(run(conversion, ExportFormat::Csv, input, out.File("s.csv")), OperationStatus::Done);
+        EXPECT_EQ(TempDir::Read(out.File("s.csv")), expected);
+    }
+}
+
+TEST_F(ConversionPipelineTest, RtfRunsTheSecondSheetOverTheFirstOnesOutput) {
+    installation.write("xsl/xpvt/rtf/xpvt_to_xhtml_for_rtf.xsl",
+                       R"XSL(<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+<xsl:template match="/"><html><xsl:for-each select="//Trace/*"><p><xsl:value-of select="name()"/></p></xsl:for-each></html></xsl:template>
+</xsl:stylesheet>)XSL");
+    installation.write("xsl/xpvt/rtf/xpvt_to_xhtml_for_rtf_to_rtf.xsl",
+                       R"XSL(<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+<xsl:output method="text"/><xsl:template match="/">{\rtf1 <xsl:for-each select="/html/p"><xsl:value-of select="."/>\par </xsl:for-each>}</xsl:template>
+</xsl:stylesheet>)XSL");
+    ZDTAnalyzer::XpvtOldConversion conversion(installation.settings());
+    EXPECT_EQ(run(conversion, ExportFormat::Rtf, out.Write("t.xpvt", SmallTrace), out.File("t.rtf")),
+              OperationStatus::Done);
+    EXPECT_EQ(TempDir::Read(out.File("t.rtf")), "{\\rtf1 StartTrace\\par Result\\par StopTrace\\par }");
+}
+
+TEST_F(ConversionPipelineTest, AFailingSheetShowsTheToolsStreamsAndLeavesTheChosenFileAlone) {
+    installation.write(Html702, FailingSheet("sheet gave up"));
+    ZDTAnalyzer::XpvtNewConversion conversion(installation.settings());
+    const std::string output = out.Write("kept.html", "earlier export");
+    EXPECT_EQ(run(conversion, ExportFormat::Html, out.Write("t.xpvt", SmallTrace), output), OperationStatus::Failed);
+    ASSERT_EQ(messages.shown.size(), 1u);
+    EXPECT_EQ(messages.shown[0].title, "E011_001 [XSL Transformation failed.]");
+    EXPECT_EQ(messages.shown[0].icon, zdt::MessageIcon::Warning);
+    const std::string& text = messages.shown[0].text;
+    EXPECT_EQ(text.rfind("Error messages:\n\nstandard output stream:\n", 0), 0u) << text;
+    EXPECT_NE(text.find("\nstandard error stream:\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("sheet gave up", text.find("standard error stream:")), std::string::npos) << text;
+    EXPECT_EQ(TempDir::Read(output), "earlier export");
+    EXPECT_EQ(filesIn(out.Path().string()), (std::vector<std::string>{"kept.html", "t.xpvt"}));
+}
+
+TEST_F(ConversionPipelineTest, WhatTheToolCannotReadEndsInItsOwnWords) {
+    installation.write(Html702, ChildListSheet());
+    ZDTAnalyzer::XpvtNewConversion conversion(installation.settings());
+    const std::string withoutDeclaration = SmallTrace.substr(SmallTrace.find('<', 2));
+    const std::pair<const char*, std::string> inputs[] = {
+        // Its third "<" is lost on the way, so the tool sees a broken document.
+        {"no declaration", out.Write("bare.xpvt", withoutDeclaration)},
+        {"deleted after opening", out.File("gone.xpvt")},
+    };
+    for (const auto& [name, input] : inputs) {
+        SCOPED_TRACE(name);
+        messages.shown.clear();
+        EXPECT_EQ(run(conversion, ExportFormat::Html, input, out.File("x.html")), OperationStatus::Failed);
+        ASSERT_EQ(messages.shown.size(), 1u);
+        EXPECT_EQ(messages.shown[0].title, "E011_001 [XSL Transformation failed.]");
+        EXPECT_GT(messages.shown[0].text.size(), std::string("Error messages:\n\n").size() + 50);
+        EXPECT_FALSE(fs::exists(out.File("x.html")));
+    }
+    messages.shown.clear();
+    EXPECT_EQ(run(conversion, ExportFormat::Html, out.Write("t.xpvt", SmallTrace), out.File("no/folder/x.html")),
+              OperationStatus::Failed);
+    ASSERT_EQ(messages.shown.size(), 1u);
+    EXPECT_NE(messages.shown[0].text.find("no/folder"), std::string::npos) << messages.shown[0].text;
+}
+
+TEST_F(ConversionPipelineTest, AScriptThatCannotStartShowsItsErrorCodeAndRtfStillTriesItsSecondStage) {
+    fs::remove(installation.analyzerDir() + "xalan.sh");
+    ZDTAnalyzer::XpvtOldConversion conversion(installation.settings());
+    const std::string input = out.Write("t.xpvt", SmallTrace);
+    EXPECT_EQ(run(conversion, ExportFormat::Html, input, out.File("t.html")), OperationStatus::Failed);
+    EXPECT_EQ(run(conversion, ExportFormat::Rtf, input, out.File("t.rtf")), OperationStatus::Failed);
+    ASSERT_EQ(messages.shown.size(), 3u);
+    for (const zdt::UserMessage& message : messages.shown) {
+        EXPECT_EQ(message.title, "E006_001 [Create process failed.]");
+        EXPECT_EQ(message.text, "Error code: 2 !");
+    }
+    EXPECT_EQ(filesIn(out.Path().string()), std::vector<std::string>{"t.xpvt"});
+}
+
+TEST_F(ConversionPipelineTest, KindsWithoutConversionRefuseThroughTheProxy) {
+    ZDTAnalyzer::ConversionProxy proxy;
+    zdt::OperationControl control;
+    try {
+        proxy.toPdf("in", "out", messages, control);
+        FAIL() << "no exception";
+    } catch (const ZDTAnalyzer::Conversion::Exception& error) {
+        EXPECT_STREQ(error.what(), "Converion of this type not implemented yet.");
+    }
+    installation.write(Html702, FixedTextSheet("forwarded"));
+    ZDTAnalyzer::XpvtNewConversion conversion(installation.settings());
+    proxy.setTarget(&conversion);
+    EXPECT_EQ(run(proxy, ExportFormat::Html, out.Write("t.xpvt", SmallTrace), out.File("t.html")),
+              OperationStatus::Done);
+    EXPECT_EQ(TempDir::Read(out.File("t.html")), "forwarded");
+}
+
+// Pieces of a big trace, run one after the other, give the whole run's output: one head,
+// every child in order, one tail, and line numbers that go on from piece to piece.
+TEST_F(ConversionPipelineTest, AChunkedRunGivesTheWholeRunsOutput) {
+    installation.write(Html702, ChildListSheet());
+    zdtgen::XpvtTraceOptions options;
+    options.results = 120;
+    const std::string trace = zdtgen::MakeXpvtTrace(options);
+    const std::string input = out.Write("big.xpvt", trace);
+
+    ZDTAnalyzer::XpvtNewConversion whole(installation.settings());
+    ASSERT_EQ(run(whole, ExportFormat::Html, input, out.File("whole.html")), OperationStatus::Done);
+    ZDTAnalyzer::ConversionSettings chunked = installation.settings();
+    chunked.chunkBytes = trace.size() / 6;
+    ZDTAnalyzer::XpvtNewConversion pieces(chunked);
+    ASSERT_EQ(run(pieces, ExportFormat::Html, input, out.File("pieces.html")), OperationStatus::Done)
+        << (messages.shown.empty() ? std::string() : messages.shown.back().title + ": " + messages.shown.back().text);
+    EXPECT_TRUE(messages.shown.empty());
+
+    const auto withoutMarks = [](const std::string& text, std::vector<long>* marks) {
+        std::string kept;
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) {
+            if (line.rfind('@', 0) == 0)
+                marks->push_back(std::stol(line.substr(1)));
+            else
+                kept += line + "\n";
+        }
+        return kept;
+    };
+    std::vector<long> wholeMarks;
+    std::vector<long> pieceMarks;
+    const std::string wholeText = withoutMarks(TempDir::Read(out.File("whole.html")), &wholeMarks);
+    EXPECT_EQ(withoutMarks(TempDir::Read(out.File("pieces.html")), &pieceMarks), wholeText);
+    EXPECT_GT(std::count(wholeText.begin(), wholeText.end(), '\n'), 120);
+    EXPECT_EQ(wholeMarks, std::vector<long>{1});
+    ASSERT_GE(pieceMarks.size(), 5u);
+    EXPECT_EQ(pieceMarks.front(), 1);
+    EXPECT_TRUE(std::is_sorted(pieceMarks.begin(), pieceMarks.end()) &&
+                std::adjacent_find(pieceMarks.begin(), pieceMarks.end()) == pieceMarks.end());
+    // The list makes several rows per result, so the last piece starts far down.
+    EXPECT_GT(pieceMarks.back(), 120);
+}
+
+TEST_F(ConversionPipelineTest, ACancelEndsTheToolAndLeavesNothing) {
+    // A tool that would run for half a minute and tells where it runs.
+    const std::string pidFile = out.File("tool.pid");
+    installation.write("xalan.sh", "#!/bin/sh\necho $$ > '" + pidFile + "'\nexec sleep 30\n");
+    fs::permissions(installation.analyzerDir() + "xalan.sh", fs::perms::owner_all);
+    ZDTAnalyzer::XpvtNewConversion conversion(installation.settings());
+    const std::string input = out.Write("t.xpvt", SmallTrace);
+
+    zdt::OperationControl control;
+    std::thread canceller([&] {
+        while (!fs::exists(pidFile) || TempDir::Read(pidFile).empty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        control.requestCancel();
+    });
+    const auto start = std::chrono::steady_clock::now();
+    const OperationStatus status = conversion.toHtml(input, out.File("t.html"), messages, control);
+    canceller.join();
+    EXPECT_EQ(status, OperationStatus::Cancelled);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    EXPECT_TRUE(messages.shown.empty());
+    const pid_t tool = static_cast<pid_t>(std::stol(TempDir::Read(pidFile)));
+    EXPECT_NE(::kill(tool, 0), 0) << "the tool outlived the cancel";
+    EXPECT_EQ(filesIn(out.Path().string()), (std::vector<std::string>{"t.xpvt", "tool.pid"}));
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(ConversionPipelineTest, SheetsLearnTheDocumentsPathWhateverQuotesItHolds) {
+    installation.write(Html702, R"XSL(<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
+<xsl:param name="file-name" select="''"/><xsl:output method="text"/>
+<xsl:template match="/"><xsl:value-of select="$file-name"/></xsl:template></xsl:stylesheet>)XSL");
+    ZDTAnalyzer::XpvtNewConversion conversion(installation.settings());
+    for (const std::string name : {"plain", "it's", "say \"hi\"", "it's \"both\" 'twice'"}) {
+        const std::string input = out.Write(name + ".xpvt", SmallTrace);
+        ASSERT_EQ(run(conversion, ExportFormat::Html, input, out.File("t.html")), OperationStatus::Done) << name;
+        EXPECT_EQ(TempDir::Read(out.File("t.html")), input);
+    }
+}
+
+// One page per child of the trace, numbered from the page the pipeline asks for.
+std::string PagePerChildSheet() {
+    return R"XSL(<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
+ xmlns:fo="http://www.w3.org/1999/XSL/Format">
+<xsl:param name="first-page" select="1"/>
+<xsl:template match="/"><fo:root><fo:layout-master-set><fo:simple-page-master master-name="p" page-width="297mm"
+ page-height="210mm" margin="1cm"><fo:region-body/></fo:simple-page-master></fo:layout-master-set>
+<fo:page-sequence master-reference="p" initial-page-number="{$first-page}"><fo:flow flow-name="xsl-region-body">
+<xsl:for-each select="/*/Trace/*"><fo:block><xsl:if test="position() &gt; 1"><xsl:attribute
+ name="break-before">page</xsl:attribute></xsl:if>Page <fo:page-number/> of <xsl:value-of select="@n"/></fo:block>
+</xsl:for-each></fo:flow></fo:page-sequence></fo:root></xsl:template></xsl:stylesheet>)XSL";
+}
+
+std::string PdfText(const std::string& pdf) {
+    zdt::ChildProcessSpec spec;
+    spec.arguments = {"pdftotext", "-layout", pdf, "-"};
+    spec.standardOutput = zdt::ChildStream::capture();
+    return zdt::RunChildProcess(spec, nullptr).standardOutput;
+}
+
+// Pieces become PDFs of their own whose page numbers go on from piece to piece, joined in order.
+TEST_F(ConversionPipelineTest, APdfInPiecesIsOneDocumentWithPagesNumberedThrough) {
+    if (!ExportInstallation::HasPdfTools())
+        GTEST_SKIP() << "FOP or poppler-utils are not installed";
+    installation.write("xsl/xpvt/pdf/xpvt_to_fo.xsl", PagePerChildSheet());
+    std::string trace = "<?xml version=\"1.0\"?>\n<ProcessValueTrace><Description/><Trace>";
+    for (int child = 1; child <= 9; ++child)
+        trace += "\n<Result n=\"" + std::to_string(child) + "\">" + std::string(200, 'x') + "</Result>";
+    trace += "\n</Trace></ProcessValueTrace>\n";
+    ZDTAnalyzer::ConversionSettings settings = installation.settings();
+    settings.pdfChunkBytes = trace.size() / 3;
+    ZDTAnalyzer::XpvtOldConversion conversion(settings);
+    const std::string output = out.File("trace \xC3\xBC.pdf");
+
+    ASSERT_EQ(run(conversion, ExportFormat::Pdf, out.Write("t.xpvt", trace), output), OperationStatus::Done)
+        << (messages.shown.empty() ? "" : messages.shown[0].text);
+    const std::string text = PdfText(output);
+    std::size_t at = 0;
+    for (int page = 1; page <= 9; ++page) {
+        const std::string line = "Page " + std::to_string(page) + " of " + std::to_string(page);
+        at = text.find(line, at);
+        ASSERT_NE(at, std::string::npos) << line << " in\n" << text;
+    }
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\f'), 9);
+    EXPECT_EQ(filesIn(out.Path().string()), (std::vector<std::string>{"t.xpvt", "trace \xC3\xBC.pdf"}));
+}
+
+TEST_F(ConversionPipelineTest, AFailedPdfShowsTheBoxOfItsKind) {
+    installation.write("xsl/snp/pdf/snp_to_fo.xsl", FailingSheet("no fo today"));
+    installation.write("xsl/xpvt_7_02/pdf/xpvt_to_fo.xsl", FailingSheet("no fo today"));
+    const std::string snapshot = out.Write("s.snp", "<?xml version=\"1.0\"?>\n<SnapList><SnapShot/></SnapList>");
+    ZDTAnalyzer::SnpConversion snp(installation.settings());
+    ZDTAnalyzer::XpvtNewConversion xpvt(installation.settings());
+    EXPECT_EQ(run(snp, ExportFormat::Pdf, snapshot, out.File("s.pdf")), OperationStatus::Failed);
+    EXPECT_EQ(run(xpvt, ExportFormat::Pdf, out.Write("t.xpvt", SmallTrace), out.File("t.pdf")),
+              OperationStatus::Failed);
+    ASSERT_EQ(messages.shown.size(), 2u);
+    EXPECT_EQ(messages.shown[0].title, "E007_002 [Java Conversion Failed]");
+    EXPECT_EQ(messages.shown[0].text.rfind("Java conversion application errors:\n\nstandard output stream:\n", 0), 0u);
+    EXPECT_EQ(messages.shown[1].title, "E008_009 [Wrong file type]");
+    EXPECT_EQ(messages.shown[1].text.rfind("The file does not have SNP content.standard output stream:\n", 0), 0u);
+    for (const zdt::UserMessage& message : messages.shown)
+        EXPECT_NE(message.text.find("no fo today", message.text.find("standard error stream:\n")), std::string::npos)
+            << message.text;
+    EXPECT_EQ(filesIn(out.Path().string()), (std::vector<std::string>{"s.snp", "t.xpvt"}));
+}
+
+} // namespace
