@@ -5,8 +5,6 @@
 #include <functional>
 #include <map>
 
-namespace {
-
 std::uint32_t ParseNumber(const std::string& option, const std::string& text) {
     char* end = nullptr;
     const unsigned long long value = std::strtoull(text.c_str(), &end, 10);
@@ -26,8 +24,6 @@ TimeMode ParseTimeMode(const std::string& text) {
         return TimeMode::InterByte;
     throw UsageError{"--time takes absolute, relative, relative-channel or inter-byte, not \"" + text + "\""};
 }
-
-} // namespace
 
 const char* UsageText() {
     return "usage: zdt-cli COMMAND [OPTIONS] FILE ...\n"

@@ -29,6 +29,11 @@ struct CliArguments {
     bool markAll = false;
 };
 
+// The value of a numeric option, 0 to 2^32-1; throws UsageError naming `option`.
+std::uint32_t ParseNumber(const std::string& option, const std::string& text);
+// The value of --time; throws UsageError.
+TimeMode ParseTimeMode(const std::string& text);
+
 // Options may stand before or after the files. Throws UsageError.
 CliArguments ParseCliArguments(int argc, char** argv);
 const char* UsageText();

@@ -14,26 +14,6 @@
 
 namespace {
 
-std::uint32_t WholeNumber(const std::string& option, const std::string& text) {
-    char* end = nullptr;
-    const unsigned long long value = std::strtoull(text.c_str(), &end, 10);
-    if (text.empty() || *end != '\0' || text[0] == '-' || value > 0xFFFFFFFFull)
-        throw UsageError{option + " takes a whole number, not \"" + text + "\""};
-    return static_cast<std::uint32_t>(value);
-}
-
-TimeMode TimeModeNamed(const std::string& text) {
-    if (text == "absolute")
-        return TimeMode::Absolute;
-    if (text == "relative")
-        return TimeMode::Relative;
-    if (text == "relative-channel")
-        return TimeMode::RelativeChannel;
-    if (text == "inter-byte")
-        return TimeMode::InterByte;
-    throw UsageError{"--time takes absolute, relative, relative-channel or inter-byte, not \"" + text + "\""};
-}
-
 struct StatsArguments {
     ClassicViewOptions view;
     std::string file;
@@ -64,13 +44,13 @@ StatsArguments ParseStatsArguments(int argc, char** argv) {
             throw UsageError{arg + " needs a value"};
         }
         if (arg == "--time")
-            args.view.timeMode = TimeModeNamed(value);
+            args.view.timeMode = ParseTimeMode(value);
         else if (arg == "--baud")
-            args.view.baudrate = WholeNumber(arg, value);
+            args.view.baudrate = ParseNumber(arg, value);
         else if (arg == "--data-bits")
-            args.view.dataBits = WholeNumber(arg, value);
+            args.view.dataBits = ParseNumber(arg, value);
         else if (arg == "--stop-bits")
-            args.view.stopBits = WholeNumber(arg, value);
+            args.view.stopBits = ParseNumber(arg, value);
         else if (arg == "--can-filter")
             args.view.canFilter = value;
         else
