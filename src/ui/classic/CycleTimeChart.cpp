@@ -32,7 +32,10 @@ CycleTimeChart::CycleTimeChart(QWidget* parent)
     chart->addAxis(m_cycleAxis, Qt::AlignLeft);
     m_line->attachAxis(m_timeAxis);
     m_line->attachAxis(m_cycleAxis);
+    // The view made a chart of its own, which setChart() lets go of without deleting it.
+    QChart* madeByTheView = this->chart();
     setChart(chart);
+    delete madeByTheView;
     setRenderHint(QPainter::Antialiasing, false);
     setRubberBand(QChartView::HorizontalRubberBand);
     setMinimumHeight(260);
