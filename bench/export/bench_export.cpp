@@ -87,9 +87,9 @@ int main(int argc, char** argv) {
     const std::string output = arguments.scratch + "export.html";
 
     const double tool = bestSeconds(arguments.runs, [&] {
-        zdt::ChildProcessSpec spec;
-        spec.arguments = {"Xalan", "-o", output, arguments.trace, sheet};
-        return zdt::RunChildProcess(spec, nullptr).succeeded();
+        zdt::ChildProcessCommand command;
+        command.arguments = {"Xalan", "-o", output, arguments.trace, sheet};
+        return zdt::RunChildProcess(command, nullptr).succeeded();
     });
     const double exported = bestSeconds(arguments.runs, [&] {
         zdt::MessageList messages;

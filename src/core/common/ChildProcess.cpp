@@ -227,9 +227,9 @@ void EndGroup(pid_t child, CapturePipe& output, CapturePipe& error) {
 
 } // namespace
 
-ChildProcessResult RunChildProcess(const ChildProcessSpec& spec, const OperationControl* control) {
+ChildProcessResult RunChildProcess(const ChildProcessCommand& command, const OperationControl* control) {
     ChildProcessResult result;
-    if (spec.arguments.empty()) {
+    if (command.arguments.empty()) {
         result.startError = EINVAL;
         return result;
     }
@@ -237,8 +237,8 @@ ChildProcessResult RunChildProcess(const ChildProcessSpec& spec, const Operation
     CapturePipe output;
     CapturePipe error;
     if (posix_spawn_file_actions_addopen(actions.get(), 0, "/dev/null", O_RDONLY, 0) != 0 ||
-        !RouteStream(actions, 1, spec.standardOutput, output, result.standardOutput) ||
-        !RouteStream(actions, 2, spec.standardError, error, result.standardError)) {
+        !RouteStream(actions, 1, command.standardOutput, output, result.standardOutput) ||
+        !RouteStream(actions, 2, command.standardError, error, result.standardError)) {
         result.startError = errno != 0 ? errno : EINVAL;
         return result;
     }
@@ -255,8 +255,8 @@ ChildProcessResult RunChildProcess(const ChildProcessSpec& spec, const Operation
     posix_spawnattr_setsigmask(attributes.get(), &noneBlocked);
     posix_spawnattr_setflags(attributes.get(), POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
 
-    std::vector<std::string> arguments = spec.arguments;
-    std::vector<std::string> environment = ChildEnvironment(spec.environment);
+    std::vector<std::string> arguments = command.arguments;
+    std::vector<std::string> environment = ChildEnvironment(command.environment);
     std::vector<char*> argumentPointers = PointersTo(arguments);
     std::vector<char*> environmentPointers = PointersTo(environment);
 

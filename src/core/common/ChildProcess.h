@@ -21,7 +21,7 @@ struct ChildStream {
 
 // One program to run. No shell sees the arguments, so blanks, quotes and any other
 // byte in them reach the program as they are.
-struct ChildProcessSpec {
+struct ChildProcessCommand {
     // argv[0] is looked up on PATH when it holds no "/".
     std::vector<std::string> arguments;
     ChildStream standardOutput;
@@ -46,7 +46,7 @@ struct ChildProcessResult {
 // captured streams are drained and `control` (may be null) is asked for a cancel: a cancel
 // ends the whole group, first politely, then for good, and reaps it before returning, so
 // that scripts take their tools with them.
-ChildProcessResult RunChildProcess(const ChildProcessSpec& spec, const OperationControl* control);
+ChildProcessResult RunChildProcess(const ChildProcessCommand& command, const OperationControl* control);
 
 // Ends every child that RunChildProcess is still waiting for in this process. For the
 // program's last moments, so that no child outlives it.

@@ -5,9 +5,9 @@
 namespace ZDTAnalyzer {
 
 ProcessRun runProcess(const std::vector<std::string>& arguments, const zdt::OperationControl* control) {
-    zdt::ChildProcessSpec spec;
-    spec.arguments = arguments;
-    const zdt::ChildProcessResult result = zdt::RunChildProcess(spec, control);
+    zdt::ChildProcessCommand command;
+    command.arguments = arguments;
+    const zdt::ChildProcessResult result = zdt::RunChildProcess(command, control);
     switch (result.end) {
     case zdt::ChildProcessResult::End::NotStarted:
         return {ProcessOutcome::NotStarted, result.startError};

@@ -1,28 +1,16 @@
 #pragma once
 
-#include "export/Conversion.h"
-#include "export/ConversionPipeline.h"
+#include "export/PipelineConversion.h"
+
+#include <utility>
 
 namespace ZDTAnalyzer {
 
 // The exports of snapshot files.
-class SnpConversion final : public Conversion {
+class SnpConversion final : public PipelineConversion {
 public:
-    explicit SnpConversion(ConversionSettings settings);
-
-    zdt::OperationStatus toHtml(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                                zdt::OperationControl& control) override;
-    zdt::OperationStatus toRtf(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                               zdt::OperationControl& control) override;
-    zdt::OperationStatus toPdf(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                               zdt::OperationControl& control) override;
-    zdt::OperationStatus toCsv(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                               zdt::OperationControl& control) override;
-
-    const ConversionPipeline& pipeline() const { return m_pipeline; }
-
-private:
-    ConversionPipeline m_pipeline;
+    explicit SnpConversion(ConversionSettings settings)
+        : PipelineConversion(ConversionKind::Snapshot, std::move(settings)) {}
 };
 
 } // namespace ZDTAnalyzer

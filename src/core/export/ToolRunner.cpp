@@ -105,13 +105,13 @@ ProcessOutcome ToolRunner::pdf(const std::string& input, const std::string& outp
 }
 
 ProcessOutcome ToolRunner::joinPdf(const std::vector<std::string>& parts, const std::string& output) {
-    zdt::ChildProcessSpec spec;
-    spec.arguments.push_back("pdfunite");
-    spec.arguments.insert(spec.arguments.end(), parts.begin(), parts.end());
-    spec.arguments.push_back(output);
-    spec.standardOutput = zdt::ChildStream::capture();
-    spec.standardError = zdt::ChildStream::capture();
-    const zdt::ChildProcessResult result = zdt::RunChildProcess(spec, &m_control);
+    zdt::ChildProcessCommand toolCommand;
+    toolCommand.arguments.push_back("pdfunite");
+    toolCommand.arguments.insert(toolCommand.arguments.end(), parts.begin(), parts.end());
+    toolCommand.arguments.push_back(output);
+    toolCommand.standardOutput = zdt::ChildStream::capture();
+    toolCommand.standardError = zdt::ChildStream::capture();
+    const zdt::ChildProcessResult result = zdt::RunChildProcess(toolCommand, &m_control);
     switch (result.end) {
     case zdt::ChildProcessResult::End::NotStarted:
         showNotStarted(result.startError);
@@ -133,10 +133,10 @@ ProcessOutcome ToolRunner::joinPdf(const std::vector<std::string>& parts, const 
 }
 
 std::optional<unsigned> ToolRunner::pdfPageCount(const std::string& pdfPath) {
-    zdt::ChildProcessSpec spec;
-    spec.arguments = {"pdfinfo", pdfPath};
-    spec.standardOutput = zdt::ChildStream::capture();
-    const zdt::ChildProcessResult result = zdt::RunChildProcess(spec, &m_control);
+    zdt::ChildProcessCommand toolCommand;
+    toolCommand.arguments = {"pdfinfo", pdfPath};
+    toolCommand.standardOutput = zdt::ChildStream::capture();
+    const zdt::ChildProcessResult result = zdt::RunChildProcess(toolCommand, &m_control);
     if (!result.succeeded())
         return std::nullopt;
     std::istringstream lines(result.standardOutput);

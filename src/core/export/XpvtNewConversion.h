@@ -1,28 +1,16 @@
 #pragma once
 
-#include "export/Conversion.h"
-#include "export/ConversionPipeline.h"
+#include "export/PipelineConversion.h"
+
+#include <utility>
 
 namespace ZDTAnalyzer {
 
 // The exports of process value traces of schema 7.02.
-class XpvtNewConversion final : public Conversion {
+class XpvtNewConversion final : public PipelineConversion {
 public:
-    explicit XpvtNewConversion(ConversionSettings settings);
-
-    zdt::OperationStatus toHtml(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                                zdt::OperationControl& control) override;
-    zdt::OperationStatus toRtf(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                               zdt::OperationControl& control) override;
-    zdt::OperationStatus toPdf(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                               zdt::OperationControl& control) override;
-    zdt::OperationStatus toCsv(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                               zdt::OperationControl& control) override;
-
-    const ConversionPipeline& pipeline() const { return m_pipeline; }
-
-private:
-    ConversionPipeline m_pipeline;
+    explicit XpvtNewConversion(ConversionSettings settings)
+        : PipelineConversion(ConversionKind::Xpvt702, std::move(settings)) {}
 };
 
 } // namespace ZDTAnalyzer

@@ -1,28 +1,16 @@
 #pragma once
 
-#include "export/Conversion.h"
-#include "export/ConversionPipeline.h"
+#include "export/PipelineConversion.h"
+
+#include <utility>
 
 namespace ZDTAnalyzer {
 
 // The exports of process value traces of schema 7.01.
-class XpvtOldConversion final : public Conversion {
+class XpvtOldConversion final : public PipelineConversion {
 public:
-    explicit XpvtOldConversion(ConversionSettings settings);
-
-    zdt::OperationStatus toHtml(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                                zdt::OperationControl& control) override;
-    zdt::OperationStatus toRtf(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                               zdt::OperationControl& control) override;
-    zdt::OperationStatus toPdf(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                               zdt::OperationControl& control) override;
-    zdt::OperationStatus toCsv(const std::string& inputPath, const std::string& outputPath, zdt::MessageSink& messages,
-                               zdt::OperationControl& control) override;
-
-    const ConversionPipeline& pipeline() const { return m_pipeline; }
-
-private:
-    ConversionPipeline m_pipeline;
+    explicit XpvtOldConversion(ConversionSettings settings)
+        : PipelineConversion(ConversionKind::Xpvt701, std::move(settings)) {}
 };
 
 } // namespace ZDTAnalyzer

@@ -111,23 +111,23 @@ XQueryRunResult runEngine(const std::string& queryText, const std::string& docum
         return failure(std::string(EngineErrorPrefix) + "Could not write the query to " + queryFile + ".\n");
 
     const std::uint64_t heap = engineHeapMegabytes(machineMemoryBytes(), fileSize(documentPath));
-    zdt::ChildProcessSpec spec;
-    spec.arguments = {engine->java, "-Xmx" + std::to_string(heap) + "m",
-                      // Throughput matters more than pauses, and a heap that runs full ends
-                      // the engine at once instead of letting it crawl.
-                      "-XX:+UseParallelGC", "-XX:+ExitOnOutOfMemoryError", "-Dfile.encoding=UTF-8", "-cp", engine->jar,
-                      SaxonQueryClass, "-q:" + queryFile, "-s:" + documentPath};
+    zdt::ChildProcessCommand command;
+    command.arguments = {engine->java, "-Xmx" + std::to_string(heap) + "m",
+                         // Throughput matters more than pauses, and a heap that runs full ends
+                         // the engine at once instead of letting it crawl.
+                         "-XX:+UseParallelGC", "-XX:+ExitOnOutOfMemoryError", "-Dfile.encoding=UTF-8", "-cp",
+                         engine->jar, SaxonQueryClass, "-q:" + queryFile, "-s:" + documentPath};
     if (outputPath != nullptr)
-        spec.arguments.push_back("-o:" + *outputPath);
+        command.arguments.push_back("-o:" + *outputPath);
     else
-        spec.arguments.push_back("!omit-xml-declaration=yes");
+        command.arguments.push_back("!omit-xml-declaration=yes");
     // With -o the engine writes nothing else there but the runtime's last words on memory.
-    spec.standardOutput = zdt::ChildStream::capture();
-    spec.standardError = zdt::ChildStream::capture();
+    command.standardOutput = zdt::ChildStream::capture();
+    command.standardError = zdt::ChildStream::capture();
     // Java takes file names and its default encoding from the locale.
-    spec.environment = {{"LC_ALL", "C.UTF-8"}};
+    command.environment = {{"LC_ALL", "C.UTF-8"}};
 
-    const zdt::ChildProcessResult run = zdt::RunChildProcess(spec, control);
+    const zdt::ChildProcessResult run = zdt::RunChildProcess(command, control);
     using End = zdt::ChildProcessResult::End;
     if (run.end == End::Cancelled)
         return failure({});

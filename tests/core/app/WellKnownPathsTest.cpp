@@ -83,7 +83,7 @@ TEST(WellKnownPaths, InstalledFilesAreNeverWrittenEvenWhenWritable) {
 
     EXPECT_TRUE(IsInstalledAnalyzerDir(installed));
     EXPECT_TRUE(IsInstalledAnalyzerDir("/usr/share/zdt-analyzer/Analyzer"));
-    EXPECT_FALSE(IsInstalledAnalyzerDir("/work/build/Analyzer/"));
+    EXPECT_FALSE(IsInstalledAnalyzerDir("/srv/checkout/build/Analyzer/"));
     EXPECT_FALSE(IsInstalledAnalyzerDir("/usr/share/other-zdt-analyzer/Analyzer/"));
     // The folder is writable here (as all of /usr is for the super-user), and still skipped.
     ASSERT_TRUE(CanWriteOrCreateDirectory(installed + "Temp/"));

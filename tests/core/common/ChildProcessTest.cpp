@@ -14,18 +14,18 @@
 
 namespace {
 
+using zdt::ChildProcessCommand;
 using zdt::ChildProcessResult;
-using zdt::ChildProcessSpec;
 using zdt::ChildStream;
 using zdt::RunChildProcess;
 
-ChildProcessSpec Shell(const std::string& script, std::vector<std::string> extra = {}) {
-    ChildProcessSpec spec;
-    spec.arguments = {"sh", "-c", script, "sh"};
-    spec.arguments.insert(spec.arguments.end(), extra.begin(), extra.end());
-    spec.standardOutput = ChildStream::capture();
-    spec.standardError = ChildStream::capture();
-    return spec;
+ChildProcessCommand Shell(const std::string& script, std::vector<std::string> extra = {}) {
+    ChildProcessCommand command;
+    command.arguments = {"sh", "-c", script, "sh"};
+    command.arguments.insert(command.arguments.end(), extra.begin(), extra.end());
+    command.standardOutput = ChildStream::capture();
+    command.standardError = ChildStream::capture();
+    return command;
 }
 
 std::string ReadWhole(const std::filesystem::path& path) {
@@ -97,10 +97,10 @@ TEST(ChildProcess, StreamsCapturedInFullWhateverTheirSize) {
 }
 
 TEST_F(ScratchDir, StreamsGoToFilesOrNowhere) {
-    ChildProcessSpec spec = Shell("echo kept; echo dropped >&2; cat");
-    spec.standardOutput = ChildStream::toFile((m_dir / "out file.txt").string());
-    spec.standardError = ChildStream::discard();
-    const ChildProcessResult result = RunChildProcess(spec, nullptr);
+    ChildProcessCommand command = Shell("echo kept; echo dropped >&2; cat");
+    command.standardOutput = ChildStream::toFile((m_dir / "out file.txt").string());
+    command.standardError = ChildStream::discard();
+    const ChildProcessResult result = RunChildProcess(command, nullptr);
     ASSERT_TRUE(result.succeeded());
     // The child's input is empty, so `cat` ends at once.
     EXPECT_EQ(ReadWhole(m_dir / "out file.txt"), "kept\n");
@@ -109,17 +109,17 @@ TEST_F(ScratchDir, StreamsGoToFilesOrNowhere) {
 }
 
 TEST(ChildProcess, EnvironmentChangesReachTheChild) {
-    ChildProcessSpec spec = Shell("printf '%s|%s' \"$ZDT_CHILD_TEST\" \"$PATH\"");
-    spec.environment = {{"ZDT_CHILD_TEST", "a b=c"}};
-    const ChildProcessResult result = RunChildProcess(spec, nullptr);
+    ChildProcessCommand command = Shell("printf '%s|%s' \"$ZDT_CHILD_TEST\" \"$PATH\"");
+    command.environment = {{"ZDT_CHILD_TEST", "a b=c"}};
+    const ChildProcessResult result = RunChildProcess(command, nullptr);
     ASSERT_TRUE(result.succeeded());
     EXPECT_EQ(result.standardOutput, std::string("a b=c|") + std::getenv("PATH"));
 }
 
 TEST(ChildProcess, MissingProgramDoesNotStart) {
-    ChildProcessSpec spec;
-    spec.arguments = {"zdt-no-such-program-anywhere"};
-    const ChildProcessResult result = RunChildProcess(spec, nullptr);
+    ChildProcessCommand command;
+    command.arguments = {"zdt-no-such-program-anywhere"};
+    const ChildProcessResult result = RunChildProcess(command, nullptr);
     EXPECT_EQ(result.end, ChildProcessResult::End::NotStarted);
     EXPECT_EQ(result.startError, ENOENT);
     EXPECT_TRUE(zdt::FindProgramOnPath("zdt-no-such-program-anywhere").empty());

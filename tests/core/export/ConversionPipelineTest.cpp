@@ -270,10 +270,10 @@ std::string PagePerChildSheet() {
 }
 
 std::string PdfText(const std::string& pdf) {
-    zdt::ChildProcessSpec spec;
-    spec.arguments = {"pdftotext", "-layout", pdf, "-"};
-    spec.standardOutput = zdt::ChildStream::capture();
-    return zdt::RunChildProcess(spec, nullptr).standardOutput;
+    zdt::ChildProcessCommand command;
+    command.arguments = {"pdftotext", "-layout", pdf, "-"};
+    command.standardOutput = zdt::ChildStream::capture();
+    return zdt::RunChildProcess(command, nullptr).standardOutput;
 }
 
 // Pieces become PDFs of their own whose page numbers go on from piece to piece, joined in order.
