@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <mutex>
 #include <new>
+#include <thread>
 #include <unistd.h>
 
 namespace ZDTAnalyzer {
@@ -98,7 +99,24 @@ void FileContainerBase::createSwapFile(const std::string& directory) {
     m_writeBuffer.reserve(WriteBufferSize);
 }
 
+class FileContainerBase::ReaderLock {
+public:
+    explicit ReaderLock(const FileContainerBase& container) : m_mutex(container.m_mutex) {
+        container.m_waitingReaders.fetch_add(1);
+        m_mutex.lock();
+        container.m_waitingReaders.fetch_sub(1);
+    }
+    ~ReaderLock() { m_mutex.unlock(); }
+    ReaderLock(const ReaderLock&) = delete;
+    ReaderLock& operator=(const ReaderLock&) = delete;
+
+private:
+    std::recursive_mutex& m_mutex;
+};
+
 void FileContainerBase::appendRow(std::string_view text) {
+    while (m_waitingReaders.load() != 0)
+        std::this_thread::yield();
     const std::lock_guard<std::recursive_mutex> lock(m_mutex);
     if (m_fd < 0)
         return;
@@ -152,12 +170,14 @@ void FileContainerBase::writeAt(zdt::FileOffset offset, const char* bytes, std::
 }
 
 std::string FileContainerBase::readRow(zdt::RowIndex row) {
-    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
+    const ReaderLock lock(*this);
     if (m_rowCount == 0 || row >= m_rowCount)
         throw Exception(ReadOutOfRangeText);
     if (row < 0)
         return {};
-    flush();
+    // Rows before the buffer are on file already; a read there leaves the buffer to grow.
+    if (row >= m_rowsOnFile)
+        flush();
     const zdt::FileOffset offset = m_rowOffsets.Get(static_cast<std::uint32_t>(row));
     const std::uint64_t size = m_rowOffsets.Get(static_cast<std::uint32_t>(row) + 1) - offset;
     std::string bytes(size, '\0');
@@ -241,7 +261,7 @@ void FileContainerBase::splitIntoCachedColumns(const std::string& row) {
 }
 
 void FileContainerBase::getColumnText(zdt::RowIndex row, int column, char* buffer, int capacity) {
-    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
+    const ReaderLock lock(*this);
     const std::vector<std::string>& columns = cachedColumnsOf(row);
     if (buffer == nullptr || capacity < 1)
         return;
@@ -257,7 +277,7 @@ void FileContainerBase::getColumnText(zdt::RowIndex row, int column, char* buffe
 }
 
 std::string FileContainerBase::columnText(zdt::RowIndex row, int column) {
-    const std::lock_guard<std::recursive_mutex> lock(m_mutex);
+    const ReaderLock lock(*this);
     const std::vector<std::string>& columns = cachedColumnsOf(row);
     if (column < 0 || static_cast<std::size_t>(column) >= columns.size())
         return MissingColumnText;

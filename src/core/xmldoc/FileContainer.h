@@ -92,8 +92,14 @@ private:
     void writeAt(zdt::FileOffset offset, const char* bytes, std::size_t size);
     void appendUnwrittenRow(std::uint64_t size);
 
+    // Locks for a reader, who goes before the appending thread: that thread takes the
+    // lock again right after it lets go, so a list painting during a read would wait for
+    // many appends in a row.
+    class ReaderLock;
+
     // Recursive: public operations call each other (a read flushes first).
     mutable std::recursive_mutex m_mutex;
+    mutable std::atomic<int> m_waitingReaders{0};
     int m_fd = -1;
     std::string m_swapFileName;
     // Entry i is where row i starts; entry m_rowCount is where the next row goes.

@@ -34,9 +34,6 @@ namespace {
 
 constexpr int kCellPadding = 3;
 constexpr int kRowPadding = 2;
-constexpr int kWheelStepWhenUnknown = 3;
-constexpr int kWheelNotch = 120;
-constexpr int kHorizontalStep = 20;
 constexpr int kPartnerMenu = 143;
 
 QFont ListFont() {
@@ -60,31 +57,17 @@ std::size_t IndexOf(ViewCommand command) {
 } // namespace
 
 CAnaView::CAnaView(ClassicDocument& document, StatusSink* status, QWidget* parent)
-    : QAbstractScrollArea(parent), m_document(document), m_status(status), m_font(ListFont()) {
+    : UniformRowList(parent), m_document(document), m_status(status) {
     m_model = new ClassicListModel(doc(), this);
-    m_header = new QHeaderView(Qt::Horizontal, this);
-    m_header->setModel(m_model);
-    m_header->setSectionsClickable(false);
-    m_header->setSectionsMovable(false);
-    m_header->setStretchLastSection(false);
-    m_header->setMinimumSectionSize(0);
-    m_header->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    m_header->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(m_header, &QHeaderView::customContextMenuRequested, this,
-            [this](const QPoint& pos) { showColumnMenu(m_header->mapToGlobal(pos)); });
-    connect(m_header, &QHeaderView::sectionResized, this, &CAnaView::onSectionResized);
+    setRowFont(ListFont());
+    setLinePadding(kRowPadding);
+    setHeaderModel(m_model);
+    header()->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(header(), &QHeaderView::customContextMenuRequested, this,
+            [this](const QPoint& pos) { showColumnMenu(header()->mapToGlobal(pos)); });
+    connect(header(), &QHeaderView::sectionResized, this, &CAnaView::onSectionResized);
     // A reset header forgets its section sizes: give them back.
     connect(m_model, &QAbstractItemModel::modelReset, this, &CAnaView::applyColumnWidths);
-    connect(m_model, &QAbstractItemModel::dataChanged, viewport(), qOverload<>(&QWidget::update));
-
-    QPalette palette = viewport()->palette();
-    palette.setColor(QPalette::Base, Qt::white);
-    viewport()->setPalette(palette);
-    viewport()->setBackgroundRole(QPalette::Base);
-    viewport()->setAutoFillBackground(true);
-    setFocusPolicy(Qt::StrongFocus);
-    verticalScrollBar()->setSingleStep(1);
-    horizontalScrollBar()->setSingleStep(kHorizontalStep);
 
     connect(&m_document, &ClassicDocument::contentAboutToChange, m_model, &ClassicListModel::suspend);
     connect(&m_document, &ClassicDocument::contentChanged, this, &CAnaView::refreshFromDocument);
@@ -309,7 +292,7 @@ bool CAnaView::saveAsAscii(const QString& fileName) {
 
 int CAnaView::printTo(QPrinter* printer) {
     WaitCursor wait;
-    return ClassicPrinter(doc(), m_font, zdt::BrandEdition()).print(printer);
+    return ClassicPrinter(doc(), rowFont(), zdt::BrandEdition()).print(printer);
 }
 
 void CAnaView::onPrint() {
@@ -331,7 +314,7 @@ void CAnaView::onPrintPreview() {
 
 int CAnaView::columnWidth(ClassicColumn column) const {
     const int section = ModelColumn(column);
-    return m_header->isSectionHidden(section) ? 0 : m_header->sectionSize(section);
+    return header()->isSectionHidden(section) ? 0 : header()->sectionSize(section);
 }
 
 void CAnaView::setColumnWidth(ClassicColumn column, int width) {
@@ -341,14 +324,14 @@ void CAnaView::setColumnWidth(ClassicColumn column, int width) {
 
 void CAnaView::applyColumnWidths() {
     m_applyingWidths = true;
-    m_header->resizeSection(ClassicListModel::MarkColumn, MarkColumnWidth);
+    header()->resizeSection(ClassicListModel::MarkColumn, MarkColumnWidth);
     for (std::size_t i = 0; i < m_widths.size(); ++i) {
         const int section = ModelColumn(static_cast<ClassicColumn>(i));
         if (m_widths[i] == 0) {
-            m_header->setSectionHidden(section, true);
+            header()->setSectionHidden(section, true);
         } else {
-            m_header->setSectionHidden(section, false);
-            m_header->resizeSection(section, m_widths[i]);
+            header()->setSectionHidden(section, false);
+            header()->resizeSection(section, m_widths[i]);
         }
     }
     m_applyingWidths = false;
@@ -364,7 +347,7 @@ void CAnaView::onSectionResized(int logical, int, int newSize) {
 }
 
 int CAnaView::widestTextOnScreen(ClassicColumn column) const {
-    const QFontMetrics metrics(m_font);
+    const QFontMetrics metrics(rowFont());
     const int first = firstRowOnScreen();
     const int end = std::min(m_model->rowCount(), first + rowsOnScreen());
     int widest = 0;
@@ -394,28 +377,8 @@ void CAnaView::showColumnMenu(const QPoint& globalPos) {
 
 // ---- rows, selection and scrolling ------------------------------------------------------
 
-int CAnaView::lineHeight() const {
-    return QFontMetrics(m_font).height() + kRowPadding;
-}
-
-int CAnaView::firstRowOnScreen() const {
-    return verticalScrollBar()->value();
-}
-
-int CAnaView::fullRowsOnScreen() const {
-    return std::max(1, viewport()->height() / lineHeight());
-}
-
-int CAnaView::rowsOnScreen() const {
-    const int lines = (viewport()->height() + lineHeight() - 1) / lineHeight();
-    return std::max(0, std::min(lines, m_model->rowCount() - firstRowOnScreen()));
-}
-
-int CAnaView::rowAt(int y) const {
-    if (y < 0)
-        return -1;
-    const long long row = static_cast<long long>(firstRowOnScreen()) + y / lineHeight();
-    return row < m_model->rowCount() ? static_cast<int>(row) : -1;
+int CAnaView::listRowCount() const {
+    return m_model->rowCount();
 }
 
 long long CAnaView::selectedRow() const {
@@ -429,69 +392,24 @@ void CAnaView::selectRow(long long row, bool scroll) {
     viewport()->update();
 }
 
-void CAnaView::ensureVisible(long long row) {
-    if (row < 0)
-        return;
-    const int first = firstRowOnScreen();
-    const int full = fullRowsOnScreen();
-    if (row < first)
-        verticalScrollBar()->setValue(static_cast<int>(row));
-    else if (row >= first + full)
-        verticalScrollBar()->setValue(static_cast<int>(row) - full + 1);
+void CAnaView::fullRowsOnScreenChanged(int rows) {
+    m_model->setCacheCapacity(rows);
 }
 
-void CAnaView::updateGeometries() {
-    const int height = m_header->sizeHint().height();
-    setViewportMargins(0, height, 0, 0);
-    const QRect area = viewport()->geometry();
-    m_header->setGeometry(area.left(), area.top() - height, area.width(), height);
-    updateScrollBars();
-}
-
-void CAnaView::updateScrollBars() {
-    const int full = fullRowsOnScreen();
-    verticalScrollBar()->setRange(0, std::max(0, m_model->rowCount() - full));
-    verticalScrollBar()->setPageStep(full);
-    const int width = viewport()->width();
-    horizontalScrollBar()->setRange(0, std::max(0, m_header->length() - width));
-    horizontalScrollBar()->setPageStep(std::max(1, width));
-    m_header->setOffset(horizontalScrollBar()->value());
-    // One row more than fits, so that a partly shown last row is kept too.
-    m_model->setCacheCapacity(full + 2);
-}
-
-void CAnaView::scrollContentsBy(int, int) {
-    m_header->setOffset(horizontalScrollBar()->value());
-    viewport()->update();
-}
-
-void CAnaView::resizeEvent(QResizeEvent* event) {
-    QAbstractScrollArea::resizeEvent(event);
-    updateGeometries();
-}
-
-void CAnaView::paintEvent(QPaintEvent*) {
-    QPainter painter(viewport());
-    painter.setFont(m_font);
-    const int height = viewport()->height();
-    const int width = viewport()->width();
-    const int line = lineHeight();
-    const int rows = m_model->rowCount();
-    int row = firstRowOnScreen();
-    for (int top = 0; top < height && row < rows; top += line, ++row) {
-        painter.fillRect(0, top, width, line, m_model->background(row));
-        painter.setPen(m_model->foreground(row));
-        for (int section = 0; section < ClassicListModel::ColumnCount; ++section) {
-            if (m_header->isSectionHidden(section))
-                continue;
-            const int left = m_header->sectionViewportPosition(section);
-            const int size = m_header->sectionSize(section);
-            if (left >= width || left + size <= 0)
-                continue;
-            const QRect cell(left + kCellPadding, top, size - 2 * kCellPadding, line);
-            const auto alignment = m_model->data(m_model->index(row, section), Qt::TextAlignmentRole).toInt();
-            painter.drawText(cell, alignment, m_model->cellText(row, section));
-        }
+void CAnaView::paintRow(QPainter& painter, int row, const QRect& rowRect) {
+    painter.fillRect(rowRect, m_model->background(row));
+    painter.setPen(m_model->foreground(row));
+    const int width = rowRect.width();
+    for (int section = 0; section < ClassicListModel::ColumnCount; ++section) {
+        if (header()->isSectionHidden(section))
+            continue;
+        const int left = header()->sectionViewportPosition(section);
+        const int size = header()->sectionSize(section);
+        if (left >= width || left + size <= 0)
+            continue;
+        const QRect cell(left + kCellPadding, rowRect.top(), size - 2 * kCellPadding, rowRect.height());
+        const auto alignment = m_model->data(m_model->index(row, section), Qt::TextAlignmentRole).toInt();
+        painter.drawText(cell, alignment, m_model->cellText(row, section));
     }
 }
 
@@ -519,61 +437,6 @@ void CAnaView::contextMenuEvent(QContextMenuEvent* event) {
     QMenu menu(this);
     fillListMenu(menu);
     menu.exec(event->globalPos());
-}
-
-void CAnaView::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) {
-        const int row = rowAt(event->position().toPoint().y());
-        if (row >= 0)
-            selectRow(row, false);
-    }
-    QAbstractScrollArea::mousePressEvent(event);
-}
-
-void CAnaView::wheelEvent(QWheelEvent* event) {
-    const int delta = event->angleDelta().y();
-    if (delta == 0) {
-        QAbstractScrollArea::wheelEvent(event);
-        return;
-    }
-    m_wheelRemainder += delta;
-    const int notches = m_wheelRemainder / kWheelNotch;
-    m_wheelRemainder -= notches * kWheelNotch;
-    const int step = QApplication::wheelScrollLines() > 0 ? QApplication::wheelScrollLines() : kWheelStepWhenUnknown;
-    verticalScrollBar()->setValue(verticalScrollBar()->value() - notches * step);
-    event->accept();
-}
-
-void CAnaView::keyPressEvent(QKeyEvent* event) {
-    const int rows = m_model->rowCount();
-    const long long selected = selectedRow();
-    long long target;
-    switch (event->key()) {
-    case Qt::Key_Up:
-        target = selected - 1;
-        break;
-    case Qt::Key_Down:
-        target = selected + 1;
-        break;
-    case Qt::Key_PageUp:
-        target = selected - fullRowsOnScreen();
-        break;
-    case Qt::Key_PageDown:
-        target = selected + fullRowsOnScreen();
-        break;
-    case Qt::Key_Home:
-        target = 0;
-        break;
-    case Qt::Key_End:
-        target = rows - 1;
-        break;
-    default:
-        QAbstractScrollArea::keyPressEvent(event);
-        return;
-    }
-    if (rows > 0)
-        selectRow(std::clamp<long long>(target, 0, rows - 1));
-    event->accept();
 }
 
 } // namespace zdtui

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "app/UiDocument.h"
+#include "app/UniformRowList.h"
 #include "classic/ClassicRowFormatter.h"
 #include "classic/ClassicSearch.h"
-
-#include <QAbstractScrollArea>
-#include <QFont>
 
 #include <array>
 #include <functional>
@@ -24,7 +22,7 @@ class ClassicListModel;
 // The list of a classic trace: a header with the mark column and the eight trace
 // columns, and rows painted straight from the model, so that a trace of many millions
 // of rows costs no memory per row here. Serves the document's commands to the frame.
-class CAnaView final : public QAbstractScrollArea, public CommandView {
+class CAnaView final : public UniformRowList, public CommandView {
     Q_OBJECT
 public:
     static constexpr int MarkColumnWidth = 24;
@@ -37,18 +35,8 @@ public:
     void activateView() override;
 
     ClassicListModel* model() const { return m_model; }
-    QHeaderView* header() const { return m_header; }
-    const QFont& rowFont() const { return m_font; }
-    int lineHeight() const;
-
-    long long selectedRow() const;
-    // Selects `row` (-1: none) and, with `scroll`, brings it on screen.
-    void selectRow(long long row, bool scroll = true);
-    int firstRowOnScreen() const;
-    // Rows drawn on screen, the last perhaps in part.
-    int rowsOnScreen() const;
-    // The row under viewport position `y`, or -1.
-    int rowAt(int y) const;
+    long long selectedRow() const override;
+    void selectRow(long long row, bool scroll = true) override;
 
     // Widths as the header holds them; 0 for a hidden column.
     int columnWidth(ClassicColumn column) const;
@@ -90,13 +78,10 @@ public:
     void takeRows(int rows);
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
+    int listRowCount() const override;
+    void paintRow(QPainter& painter, int row, const QRect& rowRect) override;
+    void fullRowsOnScreenChanged(int rows) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
-    void scrollContentsBy(int dx, int dy) override;
 
 private:
     CAnalyzerDoc& doc() const;
@@ -104,22 +89,15 @@ private:
     QAction* addCommand(ViewCommand command, const QString& text, const QKeySequence& shortcut,
                         const std::function<void()>& handler);
     void updateActions();
-    void updateGeometries();
-    void updateScrollBars();
     void applyColumnWidths();
     void onSectionResized(int logical, int oldSize, int newSize);
     void showColumnMenu(const QPoint& globalPos);
-    int fullRowsOnScreen() const;
-    void ensureVisible(long long row);
 
     ClassicDocument& m_document;
     StatusSink* m_status;
     ClassicListModel* m_model;
-    QHeaderView* m_header;
-    QFont m_font;
     std::array<int, ClassicColumnCount> m_widths{};
     bool m_applyingWidths = false;
-    int m_wheelRemainder = 0;
     std::array<QAction*, static_cast<int>(ViewCommand::IdentifierStatistics) + 1> m_actions{};
     CFindDlg* m_findDialog = nullptr;
     IdentifierStatisticsDialog* m_statisticsDialog = nullptr;

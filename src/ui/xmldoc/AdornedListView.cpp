@@ -1,7 +1,6 @@
 #include "xmldoc/AdornedListView.h"
 
 #include "app/Boxes.h"
-#include "xmldoc/AdornedItemDelegate.h"
 #include "xmldoc/AdornedListModel.h"
 #include "xmldoc/BaseDoc.h"
 #include "xmldoc/SaveAsName.h"
@@ -14,6 +13,8 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QPainter>
+#include <QStyle>
+#include <QStyleOption>
 #include <QTimer>
 
 namespace zdtui {
@@ -26,21 +27,13 @@ std::string LocalPath(const QString& path) {
 } // namespace
 
 AdornedListView::AdornedListView(ZDTAnalyzer::BaseDoc& document, QWidget* parent)
-    : QTableView(parent), m_document(document),
+    : UniformRowList(parent), m_document(document),
       m_model(new AdornedListModel([this](int row, int column) { return cellText(row, column); }, this)),
       m_contextMenu(new QMenu(this)) {
-    setModel(m_model);
-    setItemDelegate(new AdornedItemDelegate(*this));
-    setSelectionBehavior(QAbstractItemView::SelectRows);
-    setSelectionMode(QAbstractItemView::SingleSelection);
-    setShowGrid(true);
-    setWordWrap(false);
-    verticalHeader()->hide();
-    horizontalHeader()->setStretchLastSection(false);
-    horizontalHeader()->setHighlightSections(false);
-    connect(horizontalHeader(), &QHeaderView::sectionHandleDoubleClicked, this,
-            &AdornedListView::applyColumnWidthEntry);
-    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, &AdornedListView::updateCommands);
+    setHeaderModel(m_model);
+    header()->setHighlightSections(false);
+    connect(header(), &QHeaderView::sectionHandleDoubleClicked, this, &AdornedListView::applyColumnWidthEntry);
+    connect(this, &UniformRowList::selectedRowChanged, this, &AdornedListView::updateCommands);
     addCommand(SaveAsId, [this] { onSaveAs(); });
     addCommand(PrintId, [this] { onPrint(); });
     addCommand(PrintPreviewId, [this] { onPrintPreview(); });
@@ -59,8 +52,9 @@ void AdornedListView::initialUpdate() {
         setListColumnWidth(column, columns[column].second);
     getTextColors(m_textColors);
     getListFont(m_font);
-    setFont(m_font);
-    verticalHeader()->setDefaultSectionSize(qMax(QFontMetrics(m_font).height() + 4, 18));
+    setRowFont(m_font);
+    // The marks are 16 pixels high.
+    setLinePadding(4, 18);
     std::vector<TextAlignment> alignments;
     getColumnAlignments(alignments);
     m_columnFormats.clear();
@@ -86,26 +80,27 @@ void AdornedListView::OnUpdate() {
 }
 
 int AdornedListView::selectionMark() const {
-    const QModelIndexList rows = selectionModel()->selectedRows();
-    return rows.isEmpty() ? -1 : rows.first().row();
+    return static_cast<int>(selectedRow());
 }
 
 int AdornedListView::itemCount() const {
     return m_model->rowCount();
 }
 
+int AdornedListView::listRowCount() const {
+    return m_model->rowCount();
+}
+
 void AdornedListView::selectListRow(int row) {
     if (row < 0 || row >= itemCount())
         return;
-    const QModelIndex index = m_model->index(row, 0);
-    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    scrollTo(index);
+    selectRow(row, true);
 }
 
 int AdornedListView::listColumnWidth(int column) const {
-    if (column < 0 || column >= m_model->columnCount() || horizontalHeader()->isSectionHidden(column))
+    if (column < 0 || column >= m_model->columnCount() || header()->isSectionHidden(column))
         return 0;
-    return horizontalHeader()->sectionSize(column);
+    return header()->sectionSize(column);
 }
 
 // Width 0 hides the column, as a list control's zero-width column is out of sight.
@@ -113,11 +108,11 @@ void AdornedListView::setListColumnWidth(int column, int width) {
     if (column < 0 || column >= m_model->columnCount())
         return;
     if (width <= 0) {
-        horizontalHeader()->hideSection(column);
+        header()->hideSection(column);
         return;
     }
-    horizontalHeader()->showSection(column);
-    horizontalHeader()->resizeSection(column, width);
+    header()->showSection(column);
+    header()->resizeSection(column, width);
 }
 
 int AdornedListView::columnWidthEntry(int column) const {
@@ -151,15 +146,32 @@ QString AdornedListView::cellText(int row, int column) {
     return getDisplayText(row, column == 0 ? 0 : column - 1);
 }
 
-void AdornedListView::drawCell(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) {
+void AdornedListView::paintRow(QPainter& painter, int row, const QRect& rowRect) {
+    const bool selected = row == selectedRow();
+    QStyleOption option;
+    option.initFrom(this);
+    const QColor grid =
+        QColor::fromRgba(static_cast<QRgb>(style()->styleHint(QStyle::SH_Table_GridLineColor, &option, this)));
+    for (int column = 0; column < m_model->columnCount(); ++column) {
+        QRect cell = cellRect(row, column);
+        if (cell.isEmpty() || cell.left() >= rowRect.right() || cell.right() < 0)
+            continue;
+        cell.moveTop(rowRect.top());
+        // The grid line takes the cell's last pixel on the right and at the bottom.
+        const QRect inner = cell.adjusted(0, 0, -1, -1);
+        drawCell(painter, inner, row, column, selected);
+        painter.setPen(grid);
+        painter.drawLine(cell.right(), cell.top(), cell.right(), cell.bottom());
+        painter.drawLine(cell.left(), cell.bottom(), cell.right(), cell.bottom());
+    }
+}
+
+void AdornedListView::drawCell(QPainter& painter, const QRect& cell, int row, int column, bool selected) {
     try {
-        const int row = index.row();
-        const int column = index.column();
-        QRect rect = option.rect;
-        painter->save();
-        const bool selected = option.state & QStyle::State_Selected;
-        painter->fillRect(rect, selected ? QColor(0xA0, 0xA0, 0xA0) : QColor(Qt::white));
-        painter->setFont(m_font);
+        QRect rect = cell;
+        painter.save();
+        painter.fillRect(rect, selected ? QColor(0xA0, 0xA0, 0xA0) : QColor(Qt::white));
+        painter.setFont(m_font);
 
         const QString flags = getDisplayText(row, 0);
         if (flags.size() < 3) {
@@ -173,21 +185,21 @@ void AdornedListView::drawCell(QPainter* painter, const QStyleOptionViewItem& op
             if (flags.size() >= 3 && listColumnWidth(0) > MarkColumnMinimum) {
                 const int top = rect.top() + (rect.height() - 16) / 2;
                 if (flags.at(0) == QLatin1Char('1'))
-                    painter->drawPixmap(rect.left() + 2, top, m_images[0]);
+                    painter.drawPixmap(rect.left() + 2, top, m_images[0]);
                 if (flags.at(1) == QLatin1Char('1'))
-                    painter->drawPixmap(rect.left() + 20, top, m_images[1]);
+                    painter.drawPixmap(rect.left() + 20, top, m_images[1]);
             }
         } else {
             const QString text = cellText(row, column);
             rect.setLeft(rect.left() + 5);
-            painter->setPen(m_textColor);
+            painter.setPen(m_textColor);
             if (rect.left() < rect.right())
-                painter->drawText(rect, int(columnAlignment(column) | Qt::AlignVCenter) | Qt::TextSingleLine, text);
+                painter.drawText(rect, int(columnAlignment(column) | Qt::AlignVCenter) | Qt::TextSingleLine, text);
             raiseWidthEntry(column, QFontMetrics(m_font).horizontalAdvance(text));
         }
-        painter->restore();
+        painter.restore();
     } catch (...) {
-        painter->restore();
+        painter.restore();
         reportDrawFailure();
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/UniformRowList.h"
 #include "export/ConversionProxy.h"
 #include "xmldoc/PrintPrintPreviewProxy.h"
 
@@ -7,7 +8,6 @@
 #include <QFont>
 #include <QMap>
 #include <QPixmap>
-#include <QTableView>
 
 #include <array>
 #include <functional>
@@ -16,7 +16,6 @@
 #include <vector>
 
 class QMenu;
-class QStyleOptionViewItem;
 
 namespace ZDTAnalyzer {
 class BaseDoc;
@@ -34,7 +33,7 @@ class AdornedListModel;
 // columns that grow to the widest text drawn, a context menu and command tables that the
 // concrete view fills. Save As exports and Print prints through proxies that refuse
 // until the concrete view binds a target.
-class AdornedListView : public QTableView {
+class AdornedListView : public UniformRowList {
     Q_OBJECT
 public:
     enum class TextAlignment { Left = 0, Right = 1 };
@@ -129,8 +128,8 @@ public:
     ConversionProxy& conversionProxy() { return m_conversion; }
     PrintPrintPreviewProxy& printProxy() { return m_print; }
 
-    // Draws one cell as the owner-drawn list draws it; the item delegate calls this.
-    void drawCell(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index);
+    // Draws one cell as the owner-drawn list draws it.
+    void drawCell(QPainter& painter, const QRect& cell, int row, int column, bool selected);
     // The text the model gives a cell: rowFlags, the line number, then fields 1 up.
     QString cellText(int row, int column);
 
@@ -163,6 +162,8 @@ protected:
     // A find mark and a bookmark, 16 by 16, for views without images of their own.
     static std::array<QPixmap, 2> DefaultMarkImages();
 
+    int listRowCount() const override;
+    void paintRow(QPainter& painter, int row, const QRect& rowRect) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void showFailure(const QString& text);
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 #include <vector>
 
 namespace ZDTAnalyzer {
@@ -269,6 +270,43 @@ TEST_F(FileContainerTest, MixedOperationsMatchDirectWrites) {
     }
     container.flush();
     EXPECT_EQ(fileBytes(container.swapFileName()), model);
+}
+
+// A list paints rows while the read that makes them still appends: every row counted is
+// read back whole, whether it is on file already or still in the write buffer.
+TEST_F(FileContainerTest, RowsReadWhileAnotherThreadAppendsAreWhole) {
+    Container container;
+    container.createSwapFile(directory);
+    const auto textOf = [](zdt::RowIndex index) {
+        return row({"00" + std::to_string(index % 4), std::string(static_cast<std::size_t>(index % 97), 'x'),
+                    std::to_string(index)});
+    };
+    constexpr zdt::RowIndex Rows = 50000;
+    std::thread appender([&] {
+        for (zdt::RowIndex index = 0; index < Rows; ++index)
+            container.appendRow(textOf(index));
+    });
+    std::mt19937 random(3);
+    int reads = 0;
+    for (zdt::RowCount counted = 0; counted < Rows; ++reads) {
+        counted = container.rowCount();
+        if (counted == 0)
+            continue;
+        // Now the newest row, most likely still buffered; then any older one.
+        const auto newest = static_cast<zdt::RowIndex>(counted - 1);
+        const auto older = static_cast<zdt::RowIndex>(random() % static_cast<std::uint32_t>(counted));
+        for (const zdt::RowIndex index : {newest, older}) {
+            ASSERT_EQ(container.readRow(index), textOf(index) + " ") << index;
+            ASSERT_EQ(container.columnText(index, 2), std::to_string(index));
+        }
+    }
+    appender.join();
+    EXPECT_GT(reads, 1);
+    container.flush();
+    std::string expected;
+    for (zdt::RowIndex index = 0; index < Rows; ++index)
+        expected += textOf(index) + " ";
+    EXPECT_EQ(fileBytes(container.swapFileName()), expected);
 }
 
 TEST_F(FileContainerTest, OffsetsBeyondFourGigabytes) {

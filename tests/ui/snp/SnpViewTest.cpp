@@ -271,11 +271,11 @@ private Q_SLOTS:
             QCOMPARE(view->columnWidthEntry(column), widest + 10);
         }
         // A header double click applies it.
-        Q_EMIT view->horizontalHeader()->sectionHandleDoubleClicked(3);
+        Q_EMIT view->header()->sectionHandleDoubleClicked(3);
         QCOMPARE(view->listColumnWidth(3), view->columnWidthEntry(3));
         // A column never drawn has entry 0, so the double click hides it.
         QCOMPARE(view->columnWidthEntry(0), 0);
-        Q_EMIT view->horizontalHeader()->sectionHandleDoubleClicked(0);
+        Q_EMIT view->header()->sectionHandleDoubleClicked(0);
         QCOMPARE(view->listColumnWidth(0), 0);
 
         // The last two menu labels are crossed: "UNIT" (40033) toggles the Value column.

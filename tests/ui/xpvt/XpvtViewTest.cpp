@@ -185,7 +185,7 @@ class XpvtViewTest : public QObject {
             const QString flags = cell(view, row, 0);
             QCOMPARE(flags.size(), 3);
             digits += flags.at(2);
-            const QRect rect = view.visualRect(view.listModel()->index(row, 2));
+            const QRect rect = view.cellRect(row, 2);
             QVERIFY2(ImageHolds(image, rect, ColourOfDigit(flags.at(2))),
                      qPrintable(QStringLiteral("row %1 digit %2").arg(row).arg(flags.at(2))));
         }
