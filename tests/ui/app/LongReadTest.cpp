@@ -342,7 +342,10 @@ private Q_SLOTS:
         QVERIFY(app.InitInstance({}));
         CChildFrame* reading = openUntilFirstRows(app, m_snapshot);
         QVERIFY(reading != nullptr);
-        QVERIFY(app.openDocumentFile(m_small) != nullptr);
+        UiDocument* small = app.openDocumentFile(m_small);
+        QVERIFY(small != nullptr);
+        // The small file's read makes its swap file on its own thread.
+        QTRY_VERIFY_WITH_TIMEOUT(!small->isOpening(), WorkTimeoutMs);
         QCOMPARE(app.mainFrame()->childFrames().size(), 2);
 
         QCOMPARE(app.openDocumentFile(m_snapshot), reading->document());
