@@ -17,6 +17,7 @@
 #include <spawn.h>
 #include <sstream>
 #include <string>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -124,6 +125,8 @@ struct ChildRun {
     double seconds = 0;
     int exitCode = -1;
     std::string output;
+    // The largest resident set of the child and of every descendant it waited for.
+    double peakMegabytes = 0;
 };
 
 // Runs a program (looked up on PATH) with standard output to /dev/null, or captured when
@@ -160,8 +163,10 @@ inline ChildRun RunProgram(const std::vector<std::string>& argv, bool capture) {
     if (spawned != 0)
         return run;
     int status = 0;
-    ::waitpid(pid, &status, 0);
+    struct rusage usage {};
+    ::wait4(pid, &status, 0, &usage);
     run.seconds = SecondsSince(start);
+    run.peakMegabytes = static_cast<double>(usage.ru_maxrss) / 1024.0;
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return run;
 }

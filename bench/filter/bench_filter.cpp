@@ -15,6 +15,8 @@ using namespace ZDTAnalyzer::Filter;
 namespace {
 
 constexpr double TargetRatio = 1.2;
+// What a laptop spares for one filter, whatever the trace's size.
+constexpr double TargetPeakMegabytes = 2048;
 
 // Keeps a tenth of the results or so, and every other child of the trace.
 XPVT_7_02::FilterCondition702 benchFilter() {
@@ -74,20 +76,24 @@ int main(int argc, char** argv) {
         "-Xmx" + std::to_string(engineHeapMegabytes(machineMemoryBytes(), static_cast<std::uint64_t>(bytes))) + "m";
 
     double engineSeconds = 0;
+    double enginePeak = 0;
     const bool engineOk = BestOf(runs, engineSeconds, [&](double& seconds) {
         const ChildRun run =
             RunProgram({engine->java, heap, "-XX:+UseParallelGC", "-cp", engine->jar, "net.sf.saxon.Query",
                         "-q:" + queryFile, "-s:" + absoluteTrace, "-o:" + outDir + "/engine.xpvt"},
                        false);
         seconds = run.seconds;
+        enginePeak = std::max(enginePeak, run.peakMegabytes);
         return run.exitCode == 0;
     });
     double filterSeconds = 0;
+    double filterPeak = 0;
     const std::string result = outDir + "/filtered.xpvt";
     const bool filterOk = BestOf(runs, filterSeconds, [&](double& seconds) {
         std::filesystem::remove(result);
         const auto start = Clock::now();
         const ChildRun run = RunProgram({cli, "filter", trace, "--pvflt2", filterFile, result}, false);
+        filterPeak = std::max(filterPeak, run.peakMegabytes);
         const bool opened = run.exitCode == 0 && openResult(result, outDir);
         seconds = SecondsSince(start);
         return opened;
@@ -100,11 +106,16 @@ int main(int argc, char** argv) {
               << Verdicts::Format(static_cast<double>(std::filesystem::file_size(result)) / kMegabyte, 1) << " MB\n"
               << "engine alone: " << Verdicts::Format(engineSeconds, 2)
               << " s; zdt-cli filter and open: " << Verdicts::Format(filterSeconds, 2) << " s (best of " << runs
-              << ")\n";
+              << ")\n"
+              << "largest process: engine alone " << Verdicts::Format(enginePeak, 1) << " MB, zdt-cli filter "
+              << Verdicts::Format(filterPeak, 1) << " MB\n";
     Verdicts verdicts;
     const double ratio = filterSeconds / engineSeconds;
     verdicts.Check("filter incl. start-up and open vs engine alone", ratio <= TargetRatio,
                    "ratio " + Verdicts::Format(ratio, 3) + " (target <= " + Verdicts::Format(TargetRatio, 2) + ")");
+    verdicts.Check("peak memory of the filter", filterPeak <= TargetPeakMegabytes,
+                   Verdicts::Format(filterPeak, 1) + " MB (target <= " + Verdicts::Format(TargetPeakMegabytes, 0) +
+                       " MB)");
     std::ifstream ours(result, std::ios::binary), engines(outDir + "/engine.xpvt", std::ios::binary);
     const bool sameResult = std::equal(std::istreambuf_iterator<char>(ours), std::istreambuf_iterator<char>(),
                                        std::istreambuf_iterator<char>(engines), std::istreambuf_iterator<char>());

@@ -3,6 +3,7 @@
 #include "common/Operation.h"
 #include "filter/FilterCondition702.h"
 
+#include <cstdint>
 #include <set>
 #include <string>
 #include <vector>
@@ -27,6 +28,9 @@ struct FilterRunTarget {
     std::string outputPath;
     // Where the run keeps its private files (the per-run directory); empty: the system's.
     std::string scratchParent;
+    // Bytes of the list's children that go through the engine at a time; 0 chooses from
+    // the document's size: whole up to some hundreds of megabytes, in pieces above.
+    std::uint64_t pieceBytes = 0;
 };
 
 // "Could not load filter conditions from file: <path> !"
@@ -43,9 +47,10 @@ zdt::OperationStatus runFilter702(const FilterRunTarget& target, const XPVT_7_02
                                   zdt::MessageSink& messages, zdt::OperationControl& control);
 
 // The service names of a snapshot file, as its filter dialog lists them.
+// `pieceBytes` as in FilterRunTarget.
 zdt::OperationStatus listSnapshotServices(const std::string& documentPath, const std::string& scratchParent,
                                           std::set<std::string>& names, zdt::MessageSink& messages,
-                                          zdt::OperationControl& control);
+                                          zdt::OperationControl& control, std::uint64_t pieceBytes = 0);
 
 // The snapshot filter keeping the services `chosenNames`, in the dialog's list order.
 zdt::OperationStatus runSnapshotFilter(const FilterRunTarget& target, const std::vector<std::string>& chosenNames,

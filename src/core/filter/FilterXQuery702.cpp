@@ -29,8 +29,8 @@ std::string fragment(const TextCondition& row, const std::string& path, const st
     return fragment(row.enabled, row.negate, path, variable, anyValue);
 }
 
-std::string test(const std::string& groupTest, const std::string& fragments) {
-    return " if   (" + groupTest + fragments + "   ) then $z else \"\"\n";
+std::string test(const std::string& groupTest, const std::string& fragments, const std::string& skippedItem) {
+    return " if   (" + groupTest + fragments + "   ) then $z else " + skippedItem + "\n";
 }
 
 std::string parameterBlock(const char* flag, const char* container, const char* element, const std::string& fragments) {
@@ -49,7 +49,7 @@ std::string textLine(const char* variable, const TextCondition& row) {
 } // namespace
 
 std::string buildFilterXQuery702(const std::string& documentPath, const FilterCondition702& r,
-                                 MultiValueTests multiValueTests) {
+                                 MultiValueTests multiValueTests, const std::string& skippedItem) {
     const bool anyValue = multiValueTests == MultiValueTests::AnyValue;
     std::string q;
     q += flagLine("IOCLL", r.includeOpenCloseLogicalLinks);
@@ -109,16 +109,19 @@ std::string buildFilterXQuery702(const std::string& documentPath, const FilterCo
                            "      ( typeswitch($t) case element(ResponseParameter) return fn:true() default return "
                            "fn:false() ) ",
                            fragment(r.responseParameterShortName, "$t/@ShortName", "$RRPPASNS") +
-                               fragment(r.responseParameterValue, "$t/Value/ValueAsString", "$RRPPAVAS")));
-    const std::string linkTest =
-        test("         ( $IOCLL = 1 )", fragment(r.logicalLink, "$z/LogicalLink/@ShortName", "$OCLLLLS") +
-                                            fragment(r.accessKeyOfLocation, "$z/AccessKeyOfLocation", "$OCLLAKOLS"));
+                               fragment(r.responseParameterValue, "$t/Value/ValueAsString", "$RRPPAVAS")),
+        skippedItem);
+    const std::string linkTest = test("         ( $IOCLL = 1 )",
+                                      fragment(r.logicalLink, "$z/LogicalLink/@ShortName", "$OCLLLLS") +
+                                          fragment(r.accessKeyOfLocation, "$z/AccessKeyOfLocation", "$OCLLAKOLS"),
+                                      skippedItem);
     const std::string primitiveTest =
         test("         ( $ISFDCP = 1 )",
              fragment(r.primitiveLogicalLink, "$z/LogicalLink/@ShortName", "$SFDCPLLS") +
                  fragment(r.primitiveAccessKeyOfLocation, "$z/AccessKeyOfLocation", "$SFDCPAKOLS") +
                  fragment(r.parentDiagComPrimitive, "$z/ParentDiagComPrimitives/DiagComPrimitive/@ShortName",
-                          "$SFDCPPDCPS", anyValue));
+                          "$SFDCPPDCPS", anyValue),
+             skippedItem);
 
     q += "    case element(Result)\n";
     q += "    return\n";

@@ -20,7 +20,11 @@ enum class MultiValueTests {
 // The query of a 7.02 filter, line by line: all 20 `let` lines (flags bare, texts quoted
 // and not escaped), the document's path as $doc_, then the template with a test per kind
 // of trace event, holding a fragment for each enabled row.
+// `skippedItem` is what an event that fails its test becomes: the empty string as the
+// filter is written; a run over pieces of the document puts a marker there, so that the
+// blanks those strings leave between the kept events can be restored across pieces.
 std::string buildFilterXQuery702(const std::string& documentPath, const FilterCondition702& record,
-                                 MultiValueTests multiValueTests = MultiValueTests::AsWritten);
+                                 MultiValueTests multiValueTests = MultiValueTests::AsWritten,
+                                 const std::string& skippedItem = "\"\"");
 
 } // namespace ZDTAnalyzer::Filter::XPVT_7_02
