@@ -1,4 +1,6 @@
 #include "export/ChunkPlan.h"
+#include "common/OwnedFile.h"
+#include "xmldoc/OwnedParser.h"
 
 #include "common/Operation.h"
 
@@ -11,14 +13,7 @@
 namespace ZDTAnalyzer {
 namespace {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
-struct ParserFree {
-    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-};
+using File = zdt::OwnedFile;
 
 // Follows the element depth and records where the container's children end.
 class ChunkScanner {
@@ -119,7 +114,7 @@ std::optional<ChunkPlan> PlanChunks(const std::string& path, ConversionKind kind
     const File in(std::fopen(path.c_str(), "rb"));
     if (!in)
         return std::nullopt;
-    const std::unique_ptr<XML_ParserStruct, ParserFree> parser(XML_ParserCreate(nullptr));
+    const OwnedParser parser(XML_ParserCreate(nullptr));
     if (!parser)
         return std::nullopt;
     ChunkScanner scanner(kind, targetBytes);

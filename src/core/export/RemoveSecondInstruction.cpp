@@ -1,4 +1,5 @@
 #include "export/RemoveSecondInstruction.h"
+#include "common/OwnedFile.h"
 
 #include <cstdio>
 #include <memory>
@@ -8,10 +9,7 @@
 namespace ZDTAnalyzer {
 namespace {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
+using File = zdt::OwnedFile;
 
 // The bytes kept from the head of the file; reading stops where the rest can be copied as it is.
 std::string keptHead(std::FILE* in) {

@@ -28,10 +28,16 @@ struct FilterRunTarget {
     std::string outputPath;
     // Where the run keeps its private files (the per-run directory); empty: the system's.
     std::string scratchParent;
-    // Bytes of the list's children that go through the engine at a time; 0 chooses from
-    // the document's size: whole up to some hundreds of megabytes, in pieces above.
+    // Bytes of the list's children that go through the engine at a time; 0 chooses with
+    // filterPieceBytes.
     std::uint64_t pieceBytes = 0;
 };
+
+// How much of a document of `documentBytes` goes through the engine at a time on a machine
+// of `machineMemoryBytes` (0: unknown): 0 for the whole document when the engine's memory
+// for it fits a quarter of the machine, else pieces of 64 to 256 MiB that fit, so that even
+// a 2 GB trace filters within about 1.2 GB.
+std::uint64_t filterPieceBytes(std::uint64_t documentBytes, std::uint64_t machineMemoryBytes);
 
 // "Could not load filter conditions from file: <path> !"
 std::string couldNotLoadFilterText(const std::string& filterPath);

@@ -1,4 +1,6 @@
 #include "filter/PieceResultJoiner.h"
+#include "common/OwnedFile.h"
+#include "xmldoc/OwnedParser.h"
 
 #include <expat.h>
 
@@ -10,14 +12,7 @@ namespace ZDTAnalyzer::Filter {
 
 namespace {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
-struct ParserFree {
-    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-};
+using File = zdt::OwnedFile;
 
 // "<Trace/>" as "<Trace>", and the other way round.
 std::string openForm(const std::string& tag) {
@@ -170,7 +165,7 @@ bool PieceResultJoiner::addPiece(const std::string& resultPath) {
         return false;
     const File in(std::fopen(resultPath.c_str(), "rb"));
     const File source(std::fopen(resultPath.c_str(), "rb"));
-    const std::unique_ptr<XML_ParserStruct, ParserFree> parser(XML_ParserCreate(nullptr));
+    const OwnedParser parser(XML_ParserCreate(nullptr));
     if (!in || !source || !parser)
         return false;
     PieceScan scan(*this, m_pieces == 0, source.get());

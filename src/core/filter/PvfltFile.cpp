@@ -1,4 +1,5 @@
 #include "filter/PvfltFile.h"
+#include "common/OwnedFile.h"
 
 #include <cstdio>
 #include <memory>
@@ -7,10 +8,7 @@ namespace ZDTAnalyzer::Filter::XPVT_7_01 {
 
 namespace {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
+using FilePtr = zdt::OwnedFile;
 
 FilePtr openFile(const std::string& path, const char* mode) {
     return FilePtr(std::fopen(path.c_str(), mode));

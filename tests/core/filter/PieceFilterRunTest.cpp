@@ -162,3 +162,22 @@ TEST_F(PieceFilterRun, AFailingPieceLeavesNothingAndACancelStopsBetweenPieces) {
 }
 
 } // namespace
+
+namespace {
+
+TEST(FilterPieceBytes, WholeWhereTheEngineFitsAQuarterOfTheMachineElsePiecesThatFit) {
+    constexpr std::uint64_t MB = 1ull << 20;
+    constexpr std::uint64_t GB = 1ull << 30;
+    EXPECT_EQ(filterPieceBytes(500 * MB, 23 * GB), 0u);
+    EXPECT_EQ(filterPieceBytes(2 * GB, 23 * GB), 256 * MB);
+    // A laptop: 500 MB would take 2.5 GB whole.
+    const std::uint64_t laptop = filterPieceBytes(500 * MB, 8 * GB);
+    EXPECT_GT(laptop, 0u);
+    EXPECT_LE(laptop / 2 * 9 + 300 * MB, 2 * GB);
+    // Unknown memory counts as 2 GB; a tiny machine still gets pieces of a useful size.
+    EXPECT_EQ(filterPieceBytes(100 * MB, 0), 0u);
+    EXPECT_GT(filterPieceBytes(500 * MB, 0), 0u);
+    EXPECT_EQ(filterPieceBytes(500 * MB, 512 * MB), 64 * MB);
+}
+
+} // namespace
