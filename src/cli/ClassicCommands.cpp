@@ -6,8 +6,11 @@
 #include "classic/ClassicRowFormatter.h"
 
 #include <algorithm>
+#include <condition_variable>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -58,38 +61,97 @@ private:
 
 } // namespace
 
-// Formats rows [first, end) into `text`, one tab-separated line each.
-void FormatRows(ClassicRowFormatter& formatter, zdt::RowIndex first, zdt::RowIndex end, std::string& text) {
-    for (zdt::RowIndex row = first; row < end; ++row)
-        formatter.AppendRowLine(row, text);
-}
+namespace {
+
+// Formats the rows in blocks on two threads and writes the blocks in row order from the
+// calling thread. A thread takes the next block as soon as it is done with one, so neither
+// waits for the other, and a few finished blocks may wait for the writer.
+class RowBlockPipeline {
+public:
+    explicit RowBlockPipeline(CAnalyzerDoc& doc) : m_doc(doc), m_rows(doc.GetVisibleCount()) {}
+
+    void Run() {
+        if (m_rows <= 0)
+            return;
+        m_blockCount = (static_cast<std::int64_t>(m_rows) + kBlockRows - 1) / kBlockRows;
+        std::thread second([this] { Format(); });
+        std::thread first([this] { Format(); });
+        Write();
+        first.join();
+        second.join();
+    }
+
+private:
+    static constexpr zdt::RowCount kBlockRows = 32768;
+    static constexpr std::int64_t kSlots = 4;
+
+    struct Slot {
+        std::string text;
+        bool ready = false;
+    };
+
+    void Format() {
+        // Each thread reads through a formatter of its own.
+        ClassicRowFormatter formatter(m_doc);
+        for (;;) {
+            std::int64_t block = 0;
+            {
+                std::unique_lock lock(m_mutex);
+                if (m_nextBlock == m_blockCount)
+                    return;
+                block = m_nextBlock++;
+                // The slot is free once the block kSlots ahead of this one is written.
+                m_slotFree.wait(lock, [&] { return block < m_written + kSlots; });
+            }
+            Slot& slot = m_slots[block % kSlots];
+            slot.text.clear();
+            const auto first = static_cast<zdt::RowIndex>(block * kBlockRows);
+            // Block ends are taken from what is left, so that no sum passes the last row.
+            formatter.AppendRowLines(first, first + std::min(kBlockRows, m_rows - first), slot.text);
+            {
+                std::lock_guard lock(m_mutex);
+                slot.ready = true;
+            }
+            m_slotReady.notify_one();
+        }
+    }
+
+    void Write() {
+        for (std::int64_t block = 0; block < m_blockCount; ++block) {
+            Slot& slot = m_slots[block % kSlots];
+            {
+                std::unique_lock lock(m_mutex);
+                m_slotReady.wait(lock, [&] { return slot.ready; });
+            }
+            std::fwrite(slot.text.data(), 1, slot.text.size(), stdout);
+            {
+                std::lock_guard lock(m_mutex);
+                slot.ready = false;
+                m_written = block + 1;
+            }
+            m_slotFree.notify_all();
+        }
+    }
+
+    CAnalyzerDoc& m_doc;
+    const zdt::RowCount m_rows;
+    std::int64_t m_blockCount = 0;
+    std::mutex m_mutex;
+    std::condition_variable m_slotReady;
+    std::condition_variable m_slotFree;
+    std::int64_t m_nextBlock = 0;
+    std::int64_t m_written = 0;
+    Slot m_slots[kSlots];
+};
+
+} // namespace
 
 int RunClassicRows(const CliArguments& args) {
     RequireFiles(args, 1);
     CAnalyzerDoc doc;
     if (!OpenClassic(doc, args.files[0], args.view))
         return 1;
-    // Two formatters, each with its own reader, take turns at blocks of rows; the
-    // blocks are written in row order.
-    constexpr zdt::RowCount kBlockRows = 32768;
-    ClassicRowFormatter formatters[2] = {ClassicRowFormatter(doc), ClassicRowFormatter(doc)};
-    std::string texts[2];
-    const zdt::RowCount rows = doc.GetVisibleCount();
-    // Block ends are taken from what is left, so that no sum passes the last row.
-    for (zdt::RowIndex first = 0, end = 0; first < rows; first = end) {
-        const zdt::RowIndex middle = first + std::min(kBlockRows, rows - first);
-        end = middle + std::min(kBlockRows, rows - middle);
-        texts[0].clear();
-        texts[1].clear();
-        std::thread second;
-        if (middle < end)
-            second = std::thread([&] { FormatRows(formatters[1], middle, end, texts[1]); });
-        FormatRows(formatters[0], first, middle, texts[0]);
-        if (second.joinable())
-            second.join();
-        std::fwrite(texts[0].data(), 1, texts[0].size(), stdout);
-        std::fwrite(texts[1].data(), 1, texts[1].size(), stdout);
-    }
+    RowBlockPipeline(doc).Run();
     std::fflush(stdout);
     doc.OnCloseDocument(false);
     return 0;

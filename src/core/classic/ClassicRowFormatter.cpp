@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 const std::array<ClassicColumnSpec, ClassicColumnCount>& ClassicColumns() {
     static const std::array<ClassicColumnSpec, ClassicColumnCount> columns{{
@@ -95,8 +96,9 @@ const char* MarkText(bool alarm, bool bookmarked) {
 
 } // namespace
 
-// Writes a row's texts into the formatter's cell buffer with one room check per piece rather
-// than per character: rows are formatted by the million.
+// Writes texts into a string from a given length on, with one room check per piece rather
+// than per character: rows are formatted by the million. The string grows ahead of the
+// writing; Finish cuts it to what was written.
 class ClassicRowFormatter::CellWriter {
 public:
     CellWriter(std::string& buffer, std::size_t start) : m_buffer(buffer), m_used(start) {
@@ -114,8 +116,11 @@ public:
         std::memcpy(Room(length), text, length);
         m_used += length;
     }
-    void Append(const std::string& text) { Append(text.data(), text.size()); }
+    void Append(std::string_view text) { Append(text.data(), text.size()); }
     std::size_t Used() const { return m_used; }
+    // Where `at` stands in the string.
+    std::size_t OffsetOf(const char* at) const { return static_cast<std::size_t>(at - m_buffer.data()); }
+    void Finish() { m_buffer.resize(m_used); }
 
 private:
     std::string& m_buffer;
@@ -133,40 +138,50 @@ std::string DataBytesText(const CTraceItem& item) {
     return text;
 }
 
-void ClassicRowFormatter::WriteTimeCell(zdt::RowIndex row, const CTraceItem& item, CellWriter& cells, bool& alarm) {
+template <class Item>
+ClassicRowFormatter::TimeCell ClassicRowFormatter::RowTimeCell(zdt::RowIndex row, const Item& item,
+                                                               const RowTimeRules& rules, RecordReader* reader) {
+    TimeCell cell;
     if (!item.HasTime())
-        return;
-    char* out = cells.Room(MaxFormattedTimeLength);
+        return cell;
     if (m_doc.SchemaNumber() == 701) {
-        std::uint32_t value = 0;
-        if (V701TimeValue(m_doc, *m_reader.Get(), row, item, m_previousTimed, value)) {
-            out = WriteFormattedTime(out, value, 3);
-        } else {
-            *out++ = '-';
-            *out++ = '-';
-        }
-    } else {
-        const RowTime time = ComputeRowTime(m_doc, row, item, TimeUse::Screen);
-        alarm = time.alarm;
-        if (time.blank)
-            *out++ = ' ';
-        else
-            out = WriteFormattedTime(out, time.value, time.digits);
+        cell.show = reader != nullptr && V701TimeValue(m_doc, *reader, row, item, m_previousTimed, cell.value)
+                        ? TimeCell::Show::Value
+                        : TimeCell::Show::Dashes;
+        return cell;
     }
-    cells.Advance(out);
+    const RowTime time = rules.Compute(row, item);
+    cell.alarm = time.alarm;
+    cell.show = time.blank ? TimeCell::Show::Blank : TimeCell::Show::Value;
+    cell.value = time.value;
+    cell.digits = time.digits;
+    return cell;
 }
 
-template <class Item>
-void ClassicRowFormatter::WriteCells(zdt::RowIndex row, const Item& item, CellWriter& cells, bool& alarm) {
+template <class Item> void ClassicRowFormatter::WriteCells(const Item& item, const TimeCell& time, CellWriter& cells) {
     std::size_t column = 0;
     const auto endColumn = [&](char* out) {
-        m_columnEnds[column++] = static_cast<std::size_t>(out - m_cells.data());
+        m_columnEnds[column++] = cells.OffsetOf(out);
         *out++ = '\t';
         return out;
     };
 
-    WriteTimeCell(row, item, cells, alarm);
-    char* out = endColumn(cells.Room(MaxNumberCells));
+    char* out = cells.Room(MaxFormattedTimeLength + MaxNumberCells);
+    switch (time.show) {
+    case TimeCell::Show::Nothing:
+        break;
+    case TimeCell::Show::Blank:
+        *out++ = ' ';
+        break;
+    case TimeCell::Show::Dashes:
+        *out++ = '-';
+        *out++ = '-';
+        break;
+    case TimeCell::Show::Value:
+        out = WriteFormattedTime(out, time.value, time.digits);
+        break;
+    }
+    out = endColumn(out);
     std::uint8_t channel = 0;
     if (item.HasChannel() && item.GetChannel(channel) == 0 && channel != 0)
         out = textformat::WriteUnsigned(out, channel);
@@ -233,16 +248,15 @@ bool ClassicRowFormatter::ReadCells(zdt::RowIndex row, bool& alarm) {
         m_previousTimed.Reset();
         return false;
     }
-    CellWriter cells(m_cells, CellsStart);
-    WriteCells(row, m_item, cells, alarm);
-    m_cellsEnd = cells.Used();
-    // Room for the line end of AppendRowLine.
-    cells.Room(1);
+    const TimeCell time = RowTimeCell(row, m_item, RowTimeRules(m_doc, TimeUse::Screen), reader);
+    alarm = time.alarm;
+    CellWriter cells(m_cells, 0);
+    WriteCells(m_item, time, cells);
     return true;
 }
 
 void ClassicRowFormatter::SplitCells(ClassicRow& out) const {
-    std::size_t begin = CellsStart;
+    std::size_t begin = 0;
     for (std::size_t i = 0; i < ClassicColumnCount; ++i) {
         out.columns[i].assign(m_cells.data() + begin, m_columnEnds[i] - begin);
         begin = m_columnEnds[i] + 1;
@@ -250,9 +264,10 @@ void ClassicRowFormatter::SplitCells(ClassicRow& out) const {
 }
 
 void ClassicRowFormatter::FillColumns(zdt::RowIndex row, const CTraceItem& item, ClassicRow& out, bool& alarm) {
-    CellWriter cells(m_cells, CellsStart);
-    WriteCells(row, item, cells, alarm);
-    m_cellsEnd = cells.Used();
+    const TimeCell time = RowTimeCell(row, item, RowTimeRules(m_doc, TimeUse::Screen), m_reader.Get());
+    alarm = time.alarm;
+    CellWriter cells(m_cells, 0);
+    WriteCells(item, time, cells);
     SplitCells(out);
 }
 
@@ -280,23 +295,37 @@ void ClassicRowFormatter::Format(zdt::RowIndex row, ClassicRow& out, zdt::RowInd
 }
 
 void ClassicRowFormatter::AppendRowLine(zdt::RowIndex row, std::string& text) {
-    const std::string_view number = m_lineNumber.Text(static_cast<std::uint32_t>(row) + 1);
-    bool alarm = false;
-    if (!ReadCells(row, alarm)) {
-        text += number;
-        text += "\t \t\t\t\t\t\t\t\t\n";
-        return;
+    AppendRowLines(row, row + 1, text);
+}
+
+void ClassicRowFormatter::AppendRowLines(zdt::RowIndex first, zdt::RowIndex end, std::string& text) {
+    RecordReader* const reader = m_reader.Get();
+    const RowTimeRules rules(m_doc, TimeUse::Screen);
+    const bool anyBookmark = !m_doc.Bookmarks().empty();
+    // The lines go straight into `text`, each number, mark and cell where it stays.
+    CellWriter line(text, text.size());
+    for (zdt::RowIndex row = first; row < end; ++row) {
+        const std::string_view number = m_lineNumber.Text(static_cast<std::uint32_t>(row) + 1);
+        if (reader == nullptr || !reader->ReadItem(row, m_item)) {
+            m_previousTimed.Reset();
+            static constexpr char EmptyColumns[] = "\t \t\t\t\t\t\t\t\t\n";
+            line.Append(number);
+            line.Append(EmptyColumns, sizeof EmptyColumns - 1);
+            continue;
+        }
+        const TimeCell time = RowTimeCell(row, m_item, rules, reader);
+        const char* mark = MarkText(time.alarm, anyBookmark && m_doc.IsBookmarked(row));
+        const std::size_t markLength = mark[1] == '\0' ? 1 : 2;
+        char* out = line.Room(number.size() + 4);
+        std::memcpy(out, number.data(), number.size());
+        out += number.size();
+        *out++ = '\t';
+        std::memcpy(out, mark, markLength);
+        out += markLength;
+        *out++ = '\t';
+        line.Advance(out);
+        WriteCells(m_item, time, line);
+        line.Append("\n", 1);
     }
-    // Number, mark and their tabs go just ahead of the cells, so that the line is appended whole.
-    const char* mark = MarkText(alarm, m_doc.IsBookmarked(row));
-    const std::size_t markLength = mark[1] == '\0' ? 1 : 2;
-    char* start = m_cells.data() + CellsStart - 1;
-    *start = '\t';
-    start -= markLength;
-    std::memcpy(start, mark, markLength);
-    *--start = '\t';
-    start -= number.size();
-    std::memcpy(start, number.data(), number.size());
-    m_cells[m_cellsEnd] = '\n';
-    text.append(start, static_cast<std::size_t>(m_cells.data() + m_cellsEnd + 1 - start));
+    line.Finish();
 }

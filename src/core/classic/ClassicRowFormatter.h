@@ -57,25 +57,35 @@ public:
     // The same into `out`, reusing its strings: for callers that format rows by the million.
     void Format(zdt::RowIndex row, ClassicRow& out, zdt::RowIndex selectedRow = zdt::NoRow);
     // The row as a line of text: its number (row + 1), the mark and the eight column texts of
-    // Format, separated by tabs, and a line end. The fastest way to a row's texts.
+    // Format, separated by tabs, and a line end.
     void AppendRowLine(zdt::RowIndex row, std::string& text);
+    // The lines of rows [first, end) one after the other, as AppendRowLine gives them: the
+    // fastest way to many rows' texts. The document's settings are read once for the run.
+    void AppendRowLines(zdt::RowIndex first, zdt::RowIndex end, std::string& text);
     // The column texts of a record, with its time cell and the alarm flag.
     void FillColumns(zdt::RowIndex row, const CTraceItem& item, ClassicRow& out, bool& alarm);
 
 private:
     class CellWriter;
-    // Reads the row and writes its column texts, tab-separated, into m_cells from
-    // CellsStart on; false when the row cannot be read.
+    // What a row's time cell shows.
+    struct TimeCell {
+        enum class Show : std::uint8_t { Nothing, Blank, Dashes, Value };
+        Show show = Show::Nothing;
+        std::uint32_t value = 0;
+        int digits = 3;
+        bool alarm = false;
+    };
+    template <class Item>
+    TimeCell RowTimeCell(zdt::RowIndex row, const Item& item, const RowTimeRules& rules, RecordReader* reader);
+    // Reads the row into m_item and writes its column texts into m_cells; false when the row
+    // cannot be read.
     bool ReadCells(zdt::RowIndex row, bool& alarm);
-    // A template so that the rows this formatter reads itself call the record directly.
-    template <class Item> void WriteCells(zdt::RowIndex row, const Item& item, CellWriter& cells, bool& alarm);
-    void WriteTimeCell(zdt::RowIndex row, const CTraceItem& item, CellWriter& cells, bool& alarm);
+    // Writes the column texts, separated by tabs, and notes where each column ends in
+    // m_columnEnds. A template so that the rows this formatter reads itself call the record
+    // directly.
+    template <class Item> void WriteCells(const Item& item, const TimeCell& time, CellWriter& cells);
     // Copies the column texts of m_cells into `out`.
     void SplitCells(ClassicRow& out) const;
-
-    // Room ahead of the cells for the row number, the mark and their tabs, so that a row's
-    // line is one piece of text.
-    static constexpr std::size_t CellsStart = 16;
 
     CAnalyzerDoc& m_doc;
     DocumentRecordReader m_reader;
@@ -84,7 +94,6 @@ private:
     // The cell texts of the row last written, each column followed by a tab but the last; the
     // buffer only grows, so that formatting a row allocates nothing.
     std::string m_cells;
-    std::size_t m_cellsEnd = CellsStart;
     std::array<std::size_t, ClassicColumnCount> m_columnEnds{};
     std::string m_eventText;
     textformat::DecimalCounter m_lineNumber;

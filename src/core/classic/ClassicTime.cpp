@@ -9,14 +9,6 @@
 
 namespace {
 
-std::uint32_t ArrayValue(const ChunkedArray& array, zdt::RowIndex row) {
-    return row >= 0 && static_cast<std::uint32_t>(row) < array.Size() ? array.Get(static_cast<std::uint32_t>(row)) : 0;
-}
-
-} // namespace
-
-namespace {
-
 constexpr std::uint32_t Powers[MaxFormattedTimeDigits + 1] = {1,      10,      100,      1000,      10000,
                                                               100000, 1000000, 10000000, 100000000, 1000000000};
 
@@ -68,46 +60,18 @@ std::string FormatTime(std::uint32_t value, int digits) {
     return text;
 }
 
-RowTime ComputeRowTime(const CAnalyzerDoc& doc, zdt::RowIndex row, const CTraceItem& item, TimeUse use) {
-    RowTime result;
+RowTimeRules::RowTimeRules(const CAnalyzerDoc& doc, TimeUse use)
     // Null when an open failed on another thread after the row was read; the row is
     // dropped anyway.
-    const CTraceFile* const filePointer = doc.TraceFile();
-    if (filePointer == nullptr)
-        return result;
-    const CTraceFile& file = *filePointer;
-    const std::uint32_t delta = ArrayValue(file.DeltaTimes(), row);
-    const std::uint64_t threshold = std::uint64_t(doc.AlarmThreshold()) * 1000u;
-    result.alarm = threshold != 0 && delta >= threshold && !doc.IsCanTrace();
+    : m_file(doc.TraceFile()), m_mode(doc.GetTimeMode()), m_use(use), m_deltaFile(doc.IsDeltaFile()),
+      m_filterActive(doc.IsFilterActive()), m_byteTime(doc.ByteTime()) {
+    // A CAN trace never raises the alarm.
+    if (!doc.IsCanTrace())
+        m_alarmThreshold = std::uint64_t(doc.AlarmThreshold()) * 1000u;
+}
 
-    std::uint32_t time = 0;
-    item.GetTime(time);
-    if (time == 0)
-        return result;
-    result.blank = false;
-    result.digits = 3;
-    const TimeMode mode = doc.GetTimeMode();
-    if (mode == TimeMode::InterByte) {
-        if (!item.IsLineByte())
-            result.value = delta;
-        else
-            result.value = delta > doc.ByteTime() ? delta - doc.ByteTime() : 0;
-    } else if (doc.IsDeltaFile()) {
-        if (mode == TimeMode::Absolute) {
-            result.value = ArrayValue(file.AbsoluteTimes(), row);
-            result.digits = 6;
-        } else {
-            result.value = doc.IsFilterActive() ? delta : time;
-        }
-    } else if (mode == TimeMode::Absolute) {
-        result.value = time;
-        result.digits = 6;
-    } else if (mode == TimeMode::RelativeChannel && use == TimeUse::Report) {
-        result.value = time - ArrayValue(file.ChannelDeltas(), row);
-    } else {
-        result.value = delta;
-    }
-    return result;
+RowTime ComputeRowTime(const CAnalyzerDoc& doc, zdt::RowIndex row, const CTraceItem& item, TimeUse use) {
+    return RowTimeRules(doc, use).Compute(row, item);
 }
 
 bool PreviousTimedRecordFinder::Find(RecordReader& reader, zdt::RowIndex row, std::uint32_t& time) {

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "classic/CAnalyzerDoc.h"
 #include "common/RowTypes.h"
+#include "trace/ChunkedArray.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 
-class CAnalyzerDoc;
 class CTraceItem;
 class RecordReader;
 
@@ -34,6 +35,68 @@ struct RowTime {
 
 // Requires item.HasTime(). Reads the document's index arrays for row `row`.
 RowTime ComputeRowTime(const CAnalyzerDoc& doc, zdt::RowIndex row, const CTraceItem& item, TimeUse use);
+
+// The document's settings that the times of rows depend on, read once for a run of rows
+// rather than once per row. Valid while the document keeps its file, filter and time mode.
+class RowTimeRules {
+public:
+    RowTimeRules(const CAnalyzerDoc& doc, TimeUse use);
+    // ComputeRowTime of the document the rules were read from. A template so that a
+    // concrete record is called directly.
+    template <class Item> RowTime Compute(zdt::RowIndex row, const Item& item) const;
+
+private:
+    static std::uint32_t ArrayValue(const ChunkedArray& array, zdt::RowIndex row) {
+        return row >= 0 && static_cast<std::uint32_t>(row) < array.Size() ? array.Get(static_cast<std::uint32_t>(row))
+                                                                          : 0;
+    }
+
+    // Null without a trace: every time is blank.
+    const CTraceFile* m_file = nullptr;
+    // Microseconds; 0 when no gap raises an alarm.
+    std::uint64_t m_alarmThreshold = 0;
+    TimeMode m_mode = TimeMode::Relative;
+    TimeUse m_use = TimeUse::Screen;
+    bool m_deltaFile = false;
+    bool m_filterActive = false;
+    std::uint32_t m_byteTime = 0;
+};
+
+template <class Item> RowTime RowTimeRules::Compute(zdt::RowIndex row, const Item& item) const {
+    RowTime result;
+    if (m_file == nullptr)
+        return result;
+    const std::uint32_t delta = ArrayValue(m_file->DeltaTimes(), row);
+    result.alarm = m_alarmThreshold != 0 && delta >= m_alarmThreshold;
+
+    std::uint32_t time = 0;
+    item.GetTime(time);
+    if (time == 0)
+        return result;
+    result.blank = false;
+    result.digits = 3;
+    if (m_mode == TimeMode::InterByte) {
+        if (!item.IsLineByte())
+            result.value = delta;
+        else
+            result.value = delta > m_byteTime ? delta - m_byteTime : 0;
+    } else if (m_deltaFile) {
+        if (m_mode == TimeMode::Absolute) {
+            result.value = ArrayValue(m_file->AbsoluteTimes(), row);
+            result.digits = 6;
+        } else {
+            result.value = m_filterActive ? delta : time;
+        }
+    } else if (m_mode == TimeMode::Absolute) {
+        result.value = time;
+        result.digits = 6;
+    } else if (m_mode == TimeMode::RelativeChannel && m_use == TimeUse::Report) {
+        result.value = time - ArrayValue(m_file->ChannelDeltas(), row);
+    } else {
+        result.value = delta;
+    }
+    return result;
+}
 
 // Finds, for schema 701, the nearest earlier timed record by reading rows backwards
 // (never row 0). Remembers the last answer so that rows read in order cost one step.

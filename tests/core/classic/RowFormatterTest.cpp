@@ -194,6 +194,49 @@ TEST(ClassicRows, RowLinesHoldWhatFormatGives) {
     EXPECT_EQ(marks, (std::set<std::string>{" ", "A", "B", "BA"}));
 }
 
+// Runs of rows, in and out of order, of every size from one row to past the last, give the
+// lines that AppendRowLine gives row by row.
+TEST(ClassicRows, RunsOfRowLinesHoldWhatSingleLinesGive) {
+    const std::string traces[] = {
+        GeneratedTrace("601", zdtgen::RecordMix::All, "ZDT Trace File"),
+        GeneratedTrace("701", zdtgen::RecordMix::All, "ZDT Trace File"),
+        GeneratedTrace("501", zdtgen::RecordMix::KLine, "ZDT Trace File"),
+        GeneratedTrace("5", zdtgen::RecordMix::Can, "CAN Onboard Trace"),
+        Diagnostic601(),
+    };
+    for (const std::string& trace : traces) {
+        TempDir dir;
+        CAnalyzerDoc doc;
+        ASSERT_TRUE(doc.OnOpenDocument(dir.Write("t.trc", trace)));
+        SCOPED_TRACE(doc.SchemaNumber());
+        const zdt::RowCount rows = doc.GetVisibleCount();
+        for (zdt::RowIndex row = 1; row < rows; row += 3)
+            doc.ToggleBookmark(row);
+        // Runs cut at random, one beyond the end, taken in a shuffled order.
+        std::mt19937 random(9);
+        std::vector<std::pair<zdt::RowIndex, zdt::RowIndex>> runs;
+        for (zdt::RowIndex first = 0; first < rows + 2;) {
+            const zdt::RowIndex end = first + 1 + static_cast<zdt::RowIndex>(random() % 40);
+            runs.emplace_back(first, end);
+            first = end;
+        }
+        runs.emplace_back(3, 3);
+        std::shuffle(runs.begin(), runs.end(), random);
+        for (const TimeMode mode : {TimeMode::Relative, TimeMode::Absolute, TimeMode::InterByte}) {
+            doc.SetTimeMode(mode, 961);
+            ClassicRowFormatter single(doc), runsFormatter(doc);
+            for (const auto& [first, end] : runs) {
+                std::string expected = "before ";
+                for (zdt::RowIndex row = first; row < end; ++row)
+                    single.AppendRowLine(row, expected);
+                std::string text = "before ";
+                runsFormatter.AppendRowLines(first, end, text);
+                ASSERT_EQ(text, expected) << "rows " << first << " to " << end;
+            }
+        }
+    }
+}
+
 TEST(ClassicRows, ColumnRegistrationMatchesTheColumns) {
     std::string built = "|";
     for (const auto& column : ClassicColumns())
