@@ -201,26 +201,38 @@ SheetParameters documentParameters(const std::string& inputPath) {
 ConversionPipeline::ConversionPipeline(ConversionKind kind, ConversionSettings settings)
     : m_kind(kind), m_settings(std::move(settings)), m_sheets(m_settings.paths.sheets(kind)) {}
 
-OperationStatus ConversionPipeline::runSheet(const std::string& sheet, const std::string& inputPath,
-                                             const std::string& outputPath, zdt::MessageSink& messages,
-                                             zdt::OperationControl& control) const {
+OperationStatus ConversionPipeline::runStages(const std::string& inputPath, const std::string& outputPath,
+                                              zdt::MessageSink& messages, zdt::OperationControl& control,
+                                              const Stages& stages) const {
     ToolRunner tools(m_settings, m_kind, messages, control);
     PartialOutput output(absolutePath(outputPath));
     if (!createOutput(output, outputPath, messages))
         return OperationStatus::Failed;
     const TemporaryFile stripped(tools.temporary(TmpTxtExtension));
     removeSecondInstruction(inputPath, stripped.path());
-    OperationStatus status = OperationStatus::Done;
-    if (const std::optional<ChunkPlan> plan = planFor(stripped.path(), m_kind, m_settings.chunkBytes, control))
-        status = runSheetInChunks(*plan, stripped.path(), sheet, m_kind, documentParameters(inputPath), output.path(),
-                                  tools);
-    else if (control.isCancelRequested())
-        status = OperationStatus::Cancelled;
-    else
-        status = statusOf(tools.xalan(stripped.path(), sheet, output.path(), documentParameters(inputPath)));
+    const OperationStatus status = stages(tools, stripped.path(), output.path());
     if (status != OperationStatus::Done)
-        return control.isCancelRequested() ? OperationStatus::Cancelled : status;
+        return status;
     return commitOutput(output, outputPath, messages);
+}
+
+OperationStatus ConversionPipeline::runSheet(const std::string& sheet, const std::string& inputPath,
+                                             const std::string& outputPath, zdt::MessageSink& messages,
+                                             zdt::OperationControl& control) const {
+    return runStages(
+        inputPath, outputPath, messages, control,
+        [&](ToolRunner& tools, const std::string& stripped, const std::string& output) {
+            OperationStatus status = OperationStatus::Done;
+            if (const std::optional<ChunkPlan> plan = planFor(stripped, m_kind, m_settings.chunkBytes, control))
+                status = runSheetInChunks(*plan, stripped, sheet, m_kind, documentParameters(inputPath), output, tools);
+            else if (control.isCancelRequested())
+                status = OperationStatus::Cancelled;
+            else
+                status = statusOf(tools.xalan(stripped, sheet, output, documentParameters(inputPath)));
+            if (status != OperationStatus::Done && control.isCancelRequested())
+                return OperationStatus::Cancelled;
+            return status;
+        });
 }
 
 OperationStatus ConversionPipeline::toHtml(const std::string& inputPath, const std::string& outputPath,
@@ -236,42 +248,38 @@ OperationStatus ConversionPipeline::toCsv(const std::string& inputPath, const st
 
 OperationStatus ConversionPipeline::toRtf(const std::string& inputPath, const std::string& outputPath,
                                           zdt::MessageSink& messages, zdt::OperationControl& control) const {
-    ToolRunner tools(m_settings, m_kind, messages, control);
-    PartialOutput output(absolutePath(outputPath));
-    if (!createOutput(output, outputPath, messages))
-        return OperationStatus::Failed;
-    const TemporaryFile stripped(tools.temporary(TmpTxtExtension));
-    removeSecondInstruction(inputPath, stripped.path());
-    const TemporaryFile stage1(tools.temporary(TmpTxtExtension));
-    const ProcessOutcome first =
-        tools.xalan(stripped.path(), m_sheets.rtfStage1, stage1.path(), documentParameters(inputPath));
-    // Only a tool that ran and failed stops the pipeline; one that never started does not.
-    if (first == ProcessOutcome::Failed || first == ProcessOutcome::Cancelled)
-        return statusOf(first);
-    const ProcessOutcome second = tools.xalan(stage1.path(), m_sheets.rtfStage2, output.path());
-    if (first != ProcessOutcome::Succeeded || second != ProcessOutcome::Succeeded)
-        return second == ProcessOutcome::Cancelled ? OperationStatus::Cancelled : OperationStatus::Failed;
-    return commitOutput(output, outputPath, messages);
+    return runStages(inputPath, outputPath, messages, control,
+                     [&](ToolRunner& tools, const std::string& stripped, const std::string& output) {
+                         const TemporaryFile stage1(tools.temporary(TmpTxtExtension));
+                         const ProcessOutcome first =
+                             tools.xalan(stripped, m_sheets.rtfStage1, stage1.path(), documentParameters(inputPath));
+                         // Only a tool that ran and failed stops the pipeline; one that never started does not.
+                         if (first == ProcessOutcome::Failed || first == ProcessOutcome::Cancelled)
+                             return statusOf(first);
+                         const ProcessOutcome second = tools.xalan(stage1.path(), m_sheets.rtfStage2, output);
+                         if (first != ProcessOutcome::Succeeded || second != ProcessOutcome::Succeeded)
+                             return second == ProcessOutcome::Cancelled ? OperationStatus::Cancelled
+                                                                        : OperationStatus::Failed;
+                         return OperationStatus::Done;
+                     });
 }
 
 OperationStatus ConversionPipeline::toPdf(const std::string& inputPath, const std::string& outputPath,
                                           zdt::MessageSink& messages, zdt::OperationControl& control) const {
-    ToolRunner tools(m_settings, m_kind, messages, control);
-    PartialOutput output(absolutePath(outputPath));
-    if (!createOutput(output, outputPath, messages))
-        return OperationStatus::Failed;
-    const TemporaryFile stripped(tools.temporary(TmpTxtExtension));
-    removeSecondInstruction(inputPath, stripped.path());
-    OperationStatus status = OperationStatus::Done;
-    if (const std::optional<ChunkPlan> plan = planFor(stripped.path(), m_kind, m_settings.pdfChunkBytes, control))
-        status = runPdfInChunks(*plan, stripped.path(), m_kind, documentParameters(inputPath), output.path(), tools);
-    else if (control.isCancelRequested())
-        status = OperationStatus::Cancelled;
-    else
-        status = statusOf(tools.pdf(stripped.path(), output.path(), documentParameters(inputPath)));
-    if (status != OperationStatus::Done)
-        return control.isCancelRequested() ? OperationStatus::Cancelled : status;
-    return commitOutput(output, outputPath, messages);
+    return runStages(
+        inputPath, outputPath, messages, control,
+        [&](ToolRunner& tools, const std::string& stripped, const std::string& output) {
+            OperationStatus status = OperationStatus::Done;
+            if (const std::optional<ChunkPlan> plan = planFor(stripped, m_kind, m_settings.pdfChunkBytes, control))
+                status = runPdfInChunks(*plan, stripped, m_kind, documentParameters(inputPath), output, tools);
+            else if (control.isCancelRequested())
+                status = OperationStatus::Cancelled;
+            else
+                status = statusOf(tools.pdf(stripped, output, documentParameters(inputPath)));
+            if (status != OperationStatus::Done && control.isCancelRequested())
+                return OperationStatus::Cancelled;
+            return status;
+        });
 }
 
 } // namespace ZDTAnalyzer

@@ -4,10 +4,13 @@
 #include "export/ConversionPaths.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace ZDTAnalyzer {
+
+class ToolRunner;
 
 inline constexpr const char* CreateProcessFailedTitle = "E006_001 [Create process failed.]";
 inline constexpr const char* CreateProcessFailedText = "Error code: %d !";
@@ -55,6 +58,13 @@ public:
     ConversionKind kind() const { return m_kind; }
 
 private:
+    // What one export does between making its output and committing it: the tools, the
+    // input without its second instruction, and the hidden output path.
+    using Stages = std::function<zdt::OperationStatus(ToolRunner& tools, const std::string& strippedInput,
+                                                      const std::string& output)>;
+    zdt::OperationStatus runStages(const std::string& inputPath, const std::string& outputPath,
+                                   zdt::MessageSink& messages, zdt::OperationControl& control,
+                                   const Stages& stages) const;
     zdt::OperationStatus runSheet(const std::string& sheet, const std::string& inputPath, const std::string& outputPath,
                                   zdt::MessageSink& messages, zdt::OperationControl& control) const;
 
