@@ -2,8 +2,7 @@
 # Turns a document into PDF through XSL-FO: Xalan-C with the FO sheet, then Apache FOP.
 #   xml2pdf.sh FO-SHEET INPUT OUTPUT STDOUT-FILE STDERR-FILE [NAME EXPRESSION]...
 # Both tools' streams go to the two files. The pairs after them are sheet parameters, as
-# for xalan.sh. Exit code 0 means OUTPUT was written. The formatter's heap is bounded by
-# JAVA_ARGS (default -Xmx1g); a big document comes here in pieces.
+# for xalan.sh. Exit code 0 means OUTPUT was written. The layout is fo2pdf.sh's.
 if [ "$#" -lt 5 ] || [ $(( ($# - 5) % 2 )) -ne 0 ]; then
     echo "usage: $0 FO-SHEET INPUT OUTPUT STDOUT-FILE STDERR-FILE [NAME EXPRESSION]..." >&2
     exit 2
@@ -18,11 +17,9 @@ shift 5
 
 : >"$capturedOutput" || exit 1
 : >"$capturedError" || exit 1
-# The intermediate files sit beside the capture files, under names of ASCII only: the
-# formatter's JVM may not take other names, and the shell moves the result in place.
+# The FO sits beside the capture files.
 fo=$capturedOutput.fo
-pdf=$capturedOutput.pdf
-trap 'rm -f "$fo" "$pdf"' EXIT
+trap 'rm -f "$fo"' EXIT
 trap 'exit 130' INT TERM HUP
 
 pairs=$(( $# / 2 ))
@@ -47,12 +44,4 @@ done
 
 Xalan -o "$fo" "$@" - "$sheet" 2>>"$capturedError" >>"$capturedOutput" <"$input" || exit $?
 
-JAVA_ARGS=${JAVA_ARGS:--Xmx1g}
-export JAVA_ARGS
-fop -q -c "$here/fop.xconf" -fo "$fo" -pdf "$pdf" 2>>"$capturedError" >>"$capturedOutput" || exit $?
-# FOP may end with 0 after an error it only logged; a missing or empty PDF is a failure.
-if [ ! -s "$pdf" ]; then
-    echo "FOP wrote no PDF." >>"$capturedError"
-    exit 1
-fi
-mv -f "$pdf" "$output" 2>>"$capturedError"
+"$here/fo2pdf.sh" "$fo" "$output" "$capturedOutput" "$capturedError"

@@ -31,6 +31,8 @@ public:
 
     const std::string& analyzerDir() const { return m_analyzerDir; }
     std::string xalanScript() const { return m_analyzerDir + "xalan.sh"; }
+    // Lays out XSL-FO as PDF; the kinds' PDF scripts end in it.
+    std::string formatterScript() const { return m_analyzerDir + "fo2pdf.sh"; }
     std::string temporaryRoot() const { return m_analyzerDir + "Temp/"; }
     std::string filterDirectory() const { return m_analyzerDir + "FilterDefaultDir/"; }
     KindSheets sheets(ConversionKind kind) const;

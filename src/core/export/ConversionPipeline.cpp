@@ -2,6 +2,7 @@
 
 #include "export/ChunkPlan.h"
 #include "export/ChunkRowCount.h"
+#include "export/FormatterPipe.h"
 #include "export/PartialOutput.h"
 #include "export/RemoveSecondInstruction.h"
 #include "export/TemporaryName.h"
@@ -161,34 +162,41 @@ OperationStatus runSheetInChunks(const ChunkPlan& plan, const std::string& sourc
     return joined ? OperationStatus::Done : OperationStatus::Failed;
 }
 
-// The PDF script over each piece, page numbers going on from piece to piece, then one join.
+// The FO sheet over each piece, the parts streaming into one formatter as they are made:
+// the formatter lays out one piece while Xalan makes the next.
 OperationStatus runPdfInChunks(const ChunkPlan& plan, const std::string& source, ConversionKind kind,
-                               const SheetParameters& documentParameters, const std::string& output,
-                               ToolRunner& tools) {
-    std::vector<std::unique_ptr<TemporaryFile>> pieces;
-    std::vector<std::string> piecePaths;
+                               const std::string& foSheet, const SheetParameters& documentParameters,
+                               const std::string& output, ToolRunner& tools) {
+    const ToolRunner::Formatter formatter = tools.formatter(tools.temporary(".fo"), output);
+    const TemporaryFile formatterOutput(formatter.standardOutput);
+    const TemporaryFile formatterError(formatter.standardError);
+    FormatterPipe pipe(formatter.arguments[1], formatter.arguments, tools.control());
+    OperationStatus status = OperationStatus::Done;
     zdt::RowCount firstLine = 1;
-    unsigned firstPage = 1;
-    for (std::size_t index = 0; index < plan.chunkCount(); ++index) {
-        std::optional<ChunkRun> chunk = prepareChunk(plan, index, source, kind, firstLine, documentParameters, tools);
-        if (!chunk)
-            return OperationStatus::Failed;
+    for (std::size_t index = 0; index < plan.chunkCount() && status == OperationStatus::Done; ++index) {
+        const std::optional<ChunkRun> chunk =
+            prepareChunk(plan, index, source, kind, firstLine, documentParameters, tools);
+        if (!chunk) {
+            status = OperationStatus::Failed;
+            break;
+        }
         const TemporaryFile document(chunk->document);
-        pieces.push_back(std::make_unique<TemporaryFile>(tools.temporary(".pdf")));
-        chunk->parameters.emplace_back("first-page", std::to_string(firstPage));
-        const ProcessOutcome outcome = tools.pdf(chunk->document, pieces.back()->path(), chunk->parameters);
-        if (outcome != ProcessOutcome::Succeeded)
-            return statusOf(outcome);
-        const std::optional<unsigned> pages = tools.pdfPageCount(pieces.back()->path());
-        if (!pages)
-            return tools.control().isCancelRequested() ? OperationStatus::Cancelled : OperationStatus::Failed;
-        piecePaths.push_back(pieces.back()->path());
-        firstPage += *pages;
+        std::string part = tools.temporary(TmpTxtExtension);
+        const ProcessOutcome outcome = tools.xalanForPdf(chunk->document, foSheet, part, chunk->parameters);
+        if (outcome != ProcessOutcome::Succeeded) {
+            std::remove(part.c_str());
+            status = statusOf(outcome);
+        } else if (!pipe.append(std::move(part))) {
+            break; // the formatter has ended early: its run tells why
+        }
         firstLine += chunk->rows;
-        if (!tools.control().onProgress(plan.cuts[index + 1], plan.fileSize))
-            return OperationStatus::Cancelled;
+        if (status == OperationStatus::Done && !tools.control().onProgress(plan.cuts[index + 1], plan.fileSize))
+            status = OperationStatus::Cancelled;
     }
-    return statusOf(tools.joinPdf(piecePaths, output));
+    const ProcessRun run = pipe.finish();
+    if (status != OperationStatus::Done)
+        return status; // its box is up; the formatter only saw its input cut short
+    return statusOf(tools.reportPdf(run, formatter));
 }
 
 // What every sheet is told about the document: its path, for the session information.
@@ -271,7 +279,8 @@ OperationStatus ConversionPipeline::toPdf(const std::string& inputPath, const st
         [&](ToolRunner& tools, const std::string& stripped, const std::string& output) {
             OperationStatus status = OperationStatus::Done;
             if (const std::optional<ChunkPlan> plan = planFor(stripped, m_kind, m_settings.pdfChunkBytes, control))
-                status = runPdfInChunks(*plan, stripped, m_kind, documentParameters(inputPath), output, tools);
+                status =
+                    runPdfInChunks(*plan, stripped, m_kind, m_sheets.fo, documentParameters(inputPath), output, tools);
             else if (control.isCancelRequested())
                 status = OperationStatus::Cancelled;
             else

@@ -33,8 +33,9 @@ struct ConversionSettings {
     // the tool's memory stays bounded whatever the trace's size; 0 runs every document whole.
     // Xalan-C holds some 25 bytes per byte of a snapshot list while it runs.
     std::uint64_t chunkBytes = std::uint64_t{16} << 20;
-    // The same for the PDF script, whose formatter needs far more memory per row.
-    std::uint64_t pdfChunkBytes = std::uint64_t{6} << 20;
+    // The same for PDF. The pieces' XSL-FO streams into one formatter, whose memory follows
+    // its page sequences, not the document; Xalan holds more per byte with the FO sheet.
+    std::uint64_t pdfChunkBytes = std::uint64_t{8} << 20;
 };
 
 // The steps every export of one document kind runs: the copy without a second processing

@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
 namespace ZDTAnalyzer {
 namespace {
@@ -68,7 +67,13 @@ void ToolRunner::showNotStarted(int error) {
 ProcessOutcome ToolRunner::runScript(std::vector<std::string> arguments, const std::string& standardOutput,
                                      const std::string& standardError, const char* failureTitle,
                                      const std::string& failureText, bool lineFeedBetween) {
-    const ProcessRun run = runProcess(arguments, &m_control);
+    return report(runProcess(arguments, &m_control), standardOutput, standardError, failureTitle, failureText,
+                  lineFeedBetween);
+}
+
+ProcessOutcome ToolRunner::report(const ProcessRun& run, const std::string& standardOutput,
+                                  const std::string& standardError, const char* failureTitle,
+                                  const std::string& failureText, bool lineFeedBetween) {
     if (run.outcome == ProcessOutcome::NotStarted) {
         showNotStarted(run.startError);
     } else if (run.outcome == ProcessOutcome::Failed) {
@@ -83,13 +88,25 @@ ProcessOutcome ToolRunner::runScript(std::vector<std::string> arguments, const s
 
 ProcessOutcome ToolRunner::xalan(const std::string& input, const std::string& sheet, const std::string& output,
                                  const SheetParameters& parameters) {
+    return runXalan(input, sheet, output, parameters, TransformationFailedTitle, TransformationFailedText, true);
+}
+
+ProcessOutcome ToolRunner::xalanForPdf(const std::string& input, const std::string& sheet, const std::string& output,
+                                       const SheetParameters& parameters) {
+    const bool snapshot = m_kind == ConversionKind::Snapshot;
+    return runXalan(input, sheet, output, parameters, snapshot ? SnpPdfFailedTitle : XpvtPdfFailedTitle,
+                    snapshot ? SnpPdfFailedText : XpvtPdfFailedText, false);
+}
+
+ProcessOutcome ToolRunner::runXalan(const std::string& input, const std::string& sheet, const std::string& output,
+                                    const SheetParameters& parameters, const char* failureTitle,
+                                    const std::string& failureText, bool lineFeedBetween) {
     const std::string standardOutput = temporary(TmpTxtExtension);
     const std::string standardError = temporary(TmpTxtExtension);
     std::vector<std::string> arguments{
         m_settings.paths.xalanScript(), input, sheet, output, standardOutput, standardError};
     AppendSheetParameters(arguments, parameters);
-    return runScript(std::move(arguments), standardOutput, standardError, TransformationFailedTitle,
-                     TransformationFailedText, true);
+    return runScript(std::move(arguments), standardOutput, standardError, failureTitle, failureText, lineFeedBetween);
 }
 
 ProcessOutcome ToolRunner::pdf(const std::string& input, const std::string& output, const SheetParameters& parameters) {
@@ -104,51 +121,17 @@ ProcessOutcome ToolRunner::pdf(const std::string& input, const std::string& outp
                      false);
 }
 
-ProcessOutcome ToolRunner::joinPdf(const std::vector<std::string>& parts, const std::string& output) {
-    zdt::ChildProcessCommand toolCommand;
-    toolCommand.arguments.push_back("pdfunite");
-    toolCommand.arguments.insert(toolCommand.arguments.end(), parts.begin(), parts.end());
-    toolCommand.arguments.push_back(output);
-    toolCommand.standardOutput = zdt::ChildStream::capture();
-    toolCommand.standardError = zdt::ChildStream::capture();
-    const zdt::ChildProcessResult result = zdt::RunChildProcess(toolCommand, &m_control);
-    switch (result.end) {
-    case zdt::ChildProcessResult::End::NotStarted:
-        showNotStarted(result.startError);
-        return ProcessOutcome::NotStarted;
-    case zdt::ChildProcessResult::End::Cancelled:
-        return ProcessOutcome::Cancelled;
-    case zdt::ChildProcessResult::End::Exited:
-    case zdt::ChildProcessResult::End::Signalled:
-        break;
-    }
-    if (result.succeeded())
-        return ProcessOutcome::Succeeded;
-    const bool snapshot = m_kind == ConversionKind::Snapshot;
-    m_messages.showMessage({snapshot ? SnpPdfFailedTitle : XpvtPdfFailedTitle,
-                            std::string(snapshot ? SnpPdfFailedText : XpvtPdfFailedText) + "standard output stream:\n" +
-                                result.standardOutput + "standard error stream:\n" + result.standardError,
-                            zdt::MessageIcon::Warning});
-    return ProcessOutcome::Failed;
+ToolRunner::Formatter ToolRunner::formatter(const std::string& fo, const std::string& output) const {
+    Formatter run{{}, temporary(TmpTxtExtension), temporary(TmpTxtExtension)};
+    run.arguments = {m_settings.paths.formatterScript(), fo, output, run.standardOutput, run.standardError};
+    return run;
 }
 
-std::optional<unsigned> ToolRunner::pdfPageCount(const std::string& pdfPath) {
-    zdt::ChildProcessCommand toolCommand;
-    toolCommand.arguments = {"pdfinfo", pdfPath};
-    toolCommand.standardOutput = zdt::ChildStream::capture();
-    const zdt::ChildProcessResult result = zdt::RunChildProcess(toolCommand, &m_control);
-    if (!result.succeeded())
-        return std::nullopt;
-    std::istringstream lines(result.standardOutput);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.rfind("Pages:", 0) == 0) {
-            const unsigned long pages = std::strtoul(line.c_str() + 6, nullptr, 10);
-            if (pages == 0)
-                return std::nullopt;
-            return static_cast<unsigned>(pages);
-        }
-    }
-    return std::nullopt;
+ProcessOutcome ToolRunner::reportPdf(const ProcessRun& run, const Formatter& formatter) {
+    const bool snapshot = m_kind == ConversionKind::Snapshot;
+    return report(run, formatter.standardOutput, formatter.standardError,
+                  snapshot ? SnpPdfFailedTitle : XpvtPdfFailedTitle, snapshot ? SnpPdfFailedText : XpvtPdfFailedText,
+                  false);
 }
 
 } // namespace ZDTAnalyzer

@@ -4,7 +4,6 @@
 #include "export/ConversionPipeline.h"
 #include "export/RunProcess.h"
 
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,21 +22,36 @@ public:
     // Xalan with `sheet` from `input` to `output` through the installation's script.
     ProcessOutcome xalan(const std::string& input, const std::string& sheet, const std::string& output,
                          const SheetParameters& parameters = {});
+    // Xalan as above, a failure shown in the box of the kind's PDF script: the step that
+    // makes the XSL-FO of a document that goes to the formatter in pieces.
+    ProcessOutcome xalanForPdf(const std::string& input, const std::string& sheet, const std::string& output,
+                               const SheetParameters& parameters);
     // The kind's PDF script from `input` to `output`.
     ProcessOutcome pdf(const std::string& input, const std::string& output, const SheetParameters& parameters = {});
-    // Joins PDF files into `output`, in order.
-    ProcessOutcome joinPdf(const std::vector<std::string>& parts, const std::string& output);
-    // The number of pages of a PDF file; empty when it cannot be read.
-    std::optional<unsigned> pdfPageCount(const std::string& pdfPath);
+    // The formatter alone, from the XSL-FO at `fo` (a file or a named pipe) to `output`: its
+    // command, to be run where the caller likes, and its capture files.
+    struct Formatter {
+        std::vector<std::string> arguments;
+        std::string standardOutput;
+        std::string standardError;
+    };
+    Formatter formatter(const std::string& fo, const std::string& output) const;
+    // Puts up the box of the kind's PDF script for a formatter run that did not succeed.
+    ProcessOutcome reportPdf(const ProcessRun& run, const Formatter& formatter);
 
     std::string temporary(const std::string& extension) const;
     zdt::MessageSink& messages() { return m_messages; }
     zdt::OperationControl& control() { return m_control; }
 
 private:
+    ProcessOutcome runXalan(const std::string& input, const std::string& sheet, const std::string& output,
+                            const SheetParameters& parameters, const char* failureTitle, const std::string& failureText,
+                            bool lineFeedBetween);
     ProcessOutcome runScript(std::vector<std::string> arguments, const std::string& standardOutput,
                              const std::string& standardError, const char* failureTitle, const std::string& failureText,
                              bool lineFeedBetween);
+    ProcessOutcome report(const ProcessRun& run, const std::string& standardOutput, const std::string& standardError,
+                          const char* failureTitle, const std::string& failureText, bool lineFeedBetween);
     void showNotStarted(int error);
 
     const ConversionSettings& m_settings;

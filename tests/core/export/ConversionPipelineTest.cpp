@@ -5,16 +5,21 @@
 
 #include "core/export/ExportInstallation.h"
 
+#include "SnapshotGenerator.h"
 #include "XpvtTraceGenerator.h"
 #include "common/ChildProcess.h"
+#include "export/ChunkRowCount.h"
 #include "support/RecordingMessages.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <memory>
+#include <numeric>
 #include <sstream>
 #include <thread>
 
@@ -256,17 +261,31 @@ TEST_F(ConversionPipelineTest, SheetsLearnTheDocumentsPathWhateverQuotesItHolds)
     }
 }
 
-// One page per child of the trace, numbered from the page the pipeline asks for.
-std::string PagePerChildSheet() {
+// One page sequence per child of the trace; the document's start and end only in the pieces
+// that hold them, so that the pieces' outputs join into one document. `failOn` names a
+// child whose piece writes an element the formatter refuses.
+std::string PagePerChildSheet(const std::string& failOn = "") {
     return R"XSL(<xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
  xmlns:fo="http://www.w3.org/1999/XSL/Format">
-<xsl:param name="first-page" select="1"/>
-<xsl:template match="/"><fo:root><fo:layout-master-set><fo:simple-page-master master-name="p" page-width="297mm"
- page-height="210mm" margin="1cm"><fo:region-body/></fo:simple-page-master></fo:layout-master-set>
-<fo:page-sequence master-reference="p" initial-page-number="{$first-page}"><fo:flow flow-name="xsl-region-body">
-<xsl:for-each select="/*/Trace/*"><fo:block><xsl:if test="position() &gt; 1"><xsl:attribute
- name="break-before">page</xsl:attribute></xsl:if>Page <fo:page-number/> of <xsl:value-of select="@n"/></fo:block>
-</xsl:for-each></fo:flow></fo:page-sequence></fo:root></xsl:template></xsl:stylesheet>)XSL";
+<xsl:param name="chunk" select="'whole'"/><xsl:output method="xml" omit-xml-declaration="yes"/>
+<xsl:template match="/"><xsl:if test="$chunk = 'whole' or $chunk = 'first'"><xsl:text disable-output-escaping="yes"
+>&lt;fo:root xmlns:fo="http://www.w3.org/1999/XSL/Format"&gt;</xsl:text><fo:layout-master-set><fo:simple-page-master
+ master-name="p" page-width="297mm" page-height="210mm" margin="1cm"><fo:region-body/></fo:simple-page-master>
+</fo:layout-master-set></xsl:if>
+<xsl:if test="/*/Trace/*[@n = ')XSL" +
+           failOn + R"XSL(']"><fo:no-such-thing/></xsl:if>
+<xsl:for-each select="/*/Trace/*"><fo:page-sequence master-reference="p"><fo:flow flow-name="xsl-region-body">
+<fo:block>Page <fo:page-number/> of <xsl:value-of select="@n"/></fo:block></fo:flow></fo:page-sequence></xsl:for-each>
+<xsl:if test="$chunk = 'whole' or $chunk = 'last'"><xsl:text disable-output-escaping="yes">&lt;/fo:root&gt;</xsl:text>
+</xsl:if></xsl:template></xsl:stylesheet>)XSL";
+}
+
+// Nine children of a 7.01 trace, cut into three pieces by the settings it returns.
+std::string NineChildTrace() {
+    std::string trace = "<?xml version=\"1.0\"?>\n<ProcessValueTrace><Description/><Trace>";
+    for (int child = 1; child <= 9; ++child)
+        trace += "\n<Result n=\"" + std::to_string(child) + "\">" + std::string(200, 'x') + "</Result>";
+    return trace + "\n</Trace></ProcessValueTrace>\n";
 }
 
 std::string PdfText(const std::string& pdf) {
@@ -276,15 +295,12 @@ std::string PdfText(const std::string& pdf) {
     return zdt::RunChildProcess(command, nullptr).standardOutput;
 }
 
-// Pieces become PDFs of their own whose page numbers go on from piece to piece, joined in order.
+// The pieces stream into one formatter, whose page numbers run through the whole document.
 TEST_F(ConversionPipelineTest, APdfInPiecesIsOneDocumentWithPagesNumberedThrough) {
     if (!ExportInstallation::HasPdfTools())
         GTEST_SKIP() << "FOP or poppler-utils are not installed";
     installation.write("xsl/xpvt/pdf/xpvt_to_fo.xsl", PagePerChildSheet());
-    std::string trace = "<?xml version=\"1.0\"?>\n<ProcessValueTrace><Description/><Trace>";
-    for (int child = 1; child <= 9; ++child)
-        trace += "\n<Result n=\"" + std::to_string(child) + "\">" + std::string(200, 'x') + "</Result>";
-    trace += "\n</Trace></ProcessValueTrace>\n";
+    const std::string trace = NineChildTrace();
     ZDTAnalyzer::ConversionSettings settings = installation.settings();
     settings.pdfChunkBytes = trace.size() / 3;
     ZDTAnalyzer::XpvtOldConversion conversion(settings);
@@ -301,6 +317,57 @@ TEST_F(ConversionPipelineTest, APdfInPiecesIsOneDocumentWithPagesNumberedThrough
     }
     EXPECT_EQ(std::count(text.begin(), text.end(), '\f'), 9);
     EXPECT_EQ(filesIn(out.Path().string()), (std::vector<std::string>{"t.xpvt", "trace \xC3\xBC.pdf"}));
+    for (const std::string& name : filesIn(installation.temporaryDirectory()))
+        EXPECT_EQ(name.find(".fo"), std::string::npos) << name;
+}
+
+// A formatter that refuses a piece in the middle, one that never reads its input, and one
+// that is cancelled while it waits: each run ends, with the kind's box where the tool failed,
+// and leaves no output behind.
+TEST_F(ConversionPipelineTest, APdfInPiecesEndsCleanlyWhateverTheFormatterDoes) {
+    const std::string trace = NineChildTrace();
+    ZDTAnalyzer::ConversionSettings settings = installation.settings();
+    settings.pdfChunkBytes = trace.size() / 3;
+    ZDTAnalyzer::XpvtOldConversion conversion(settings);
+    const std::string input = out.Write("t.xpvt", trace);
+
+    if (ExportInstallation::HasPdfTools()) {
+        installation.write("xsl/xpvt/pdf/xpvt_to_fo.xsl", PagePerChildSheet("5"));
+        EXPECT_EQ(run(conversion, ExportFormat::Pdf, input, out.File("refused.pdf")), OperationStatus::Failed);
+        ASSERT_EQ(messages.shown.size(), 1u);
+        EXPECT_EQ(messages.shown[0].title, "E008_009 [Wrong file type]");
+        EXPECT_NE(messages.shown[0].text.find("no-such-thing"), std::string::npos) << messages.shown[0].text;
+        messages.shown.clear();
+    }
+
+    installation.write("xsl/xpvt/pdf/xpvt_to_fo.xsl", PagePerChildSheet());
+    installation.write("fo2pdf.sh", "#!/bin/sh\necho 'no formatter here' >>\"$4\"\nexit 3\n");
+    fs::permissions(installation.analyzerDir() + "fo2pdf.sh", fs::perms::owner_all);
+    EXPECT_EQ(run(conversion, ExportFormat::Pdf, input, out.File("unread.pdf")), OperationStatus::Failed);
+    ASSERT_EQ(messages.shown.size(), 1u);
+    EXPECT_EQ(messages.shown[0].title, "E008_009 [Wrong file type]");
+    EXPECT_NE(messages.shown[0].text.find("no formatter here"), std::string::npos) << messages.shown[0].text;
+    messages.shown.clear();
+
+    const std::string pidFile = out.File("formatter.pid");
+    installation.write("fo2pdf.sh", "#!/bin/sh\necho $$ > '" + pidFile + "'\nexec sleep 30\n");
+    zdt::OperationControl control;
+    std::thread canceller([&] {
+        while (!fs::exists(pidFile) || TempDir::Read(pidFile).empty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        control.requestCancel();
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(conversion.toPdf(input, out.File("cancelled.pdf"), messages, control), OperationStatus::Cancelled);
+    canceller.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    EXPECT_TRUE(messages.shown.empty());
+    EXPECT_NE(::kill(static_cast<pid_t>(std::stol(TempDir::Read(pidFile))), 0), 0)
+        << "the formatter outlived the cancel";
+
+    EXPECT_EQ(filesIn(out.Path().string()), (std::vector<std::string>{"formatter.pid", "t.xpvt"}));
+    for (const std::string& name : filesIn(installation.temporaryDirectory()))
+        EXPECT_EQ(name.find(".fo"), std::string::npos) << name;
 }
 
 TEST_F(ConversionPipelineTest, AFailedPdfShowsTheBoxOfItsKind) {
@@ -321,6 +388,67 @@ TEST_F(ConversionPipelineTest, AFailedPdfShowsTheBoxOfItsKind) {
         EXPECT_NE(message.text.find("no fo today", message.text.find("standard error stream:\n")), std::string::npos)
             << message.text;
     EXPECT_EQ(filesIn(out.Path().string()), (std::vector<std::string>{"s.snp", "t.xpvt"}));
+}
+
+// The line numbers at the start of the rows of a PDF's text, in order: a number right
+// under the "Line" title, within the width of that column.
+std::vector<long> PdfLineNumbers(const std::string& text) {
+    std::vector<long> numbers;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t digits = line.find_first_not_of(' ');
+        if (digits == std::string::npos || digits > 10 || !std::isdigit(static_cast<unsigned char>(line[digits])))
+            continue;
+        std::size_t end = digits;
+        while (end < line.size() && std::isdigit(static_cast<unsigned char>(line[end])))
+            ++end;
+        if (end <= 12 && (end == line.size() || line[end] == ' '))
+            numbers.push_back(std::stol(line.substr(digits, end - digits)));
+    }
+    return numbers;
+}
+
+// The installation's FO sheets over a document in pieces: every row of the list once, in
+// its order, on pages numbered through, for each family.
+TEST_F(ConversionPipelineTest, TheRealPdfOfADocumentInPiecesShowsEveryRowOnceInOrder) {
+    if (!ExportInstallation::HasPdfTools())
+        GTEST_SKIP() << "FOP or poppler-utils are not installed";
+    installation.copyRealSheets();
+    zdtgen::SnapshotOptions snapshots;
+    snapshots.snapshots = 20;
+    zdtgen::XpvtTraceOptions xpvt702;
+    xpvt702.schema = zdtgen::XpvtSchema::V702;
+    xpvt702.results = 30;
+    const std::vector<std::pair<ConversionKind, std::string>> documents{
+        {ConversionKind::Snapshot, out.Write("list.snp", zdtgen::MakeSnapshot(snapshots))},
+        {ConversionKind::Xpvt702, out.Write("trace.xpvt", zdtgen::MakeXpvtTrace(xpvt702))}};
+    for (const auto& [kind, input] : documents) {
+        ZDTAnalyzer::ConversionSettings settings = installation.settings();
+        settings.pdfChunkBytes = fs::file_size(input) / 4;
+        std::unique_ptr<ZDTAnalyzer::Conversion> conversion;
+        if (kind == ConversionKind::Snapshot)
+            conversion = std::make_unique<ZDTAnalyzer::SnpConversion>(settings);
+        else
+            conversion = std::make_unique<ZDTAnalyzer::XpvtNewConversion>(settings);
+        const std::string output = input + ".pdf";
+        ASSERT_EQ(run(*conversion, ExportFormat::Pdf, input, output), OperationStatus::Done)
+            << input << (messages.shown.empty() ? "" : ": " + messages.shown[0].text);
+
+        const std::optional<zdt::RowCount> rows =
+            ZDTAnalyzer::CountListRows(input, kind, installation.temporaryDirectory(), messages);
+        ASSERT_TRUE(rows && *rows > 100) << input;
+        std::vector<long> expected(static_cast<std::size_t>(*rows));
+        std::iota(expected.begin(), expected.end(), 1L);
+        const std::string text = PdfText(output);
+        EXPECT_EQ(PdfLineNumbers(text), expected) << input;
+        const long pages = std::count(text.begin(), text.end(), '\f');
+        EXPECT_GT(pages, 2) << input;
+        std::size_t at = 0;
+        for (long page = 1; page <= pages; ++page) {
+            at = text.find("Page " + std::to_string(page) + "\n", at);
+            ASSERT_NE(at, std::string::npos) << "Page " << page << " of " << input;
+        }
+    }
 }
 
 } // namespace

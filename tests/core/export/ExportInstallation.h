@@ -14,13 +14,21 @@ public:
     ExportInstallation() {
         namespace fs = std::filesystem;
         const fs::path source = fs::path(__FILE__).parent_path() / "../../../Analyzer";
-        for (const char* file : {"xalan.sh", "xml2pdf.sh", "fop.xconf", "snp2pdf/snp2pdf.sh", "xpvt2pdf/xpvt2pdf.sh",
-                                 "xpvt702topdf/xpvt702topdf.sh"}) {
+        for (const char* file : {"xalan.sh", "xml2pdf.sh", "fo2pdf.sh", "fop.xconf", "snp2pdf/snp2pdf.sh",
+                                 "xpvt2pdf/xpvt2pdf.sh", "xpvt702topdf/xpvt702topdf.sh"}) {
             const fs::path target = fs::path(analyzerDir()) / file;
             fs::create_directories(target.parent_path());
             fs::copy_file(source / file, target);
         }
         fs::create_directories(temporaryDirectory());
+    }
+
+    // The installation's own sheets, in place of any the test wrote.
+    void copyRealSheets() const {
+        namespace fs = std::filesystem;
+        const fs::path source = fs::path(__FILE__).parent_path() / "../../../Analyzer/xsl";
+        fs::copy(source, fs::path(analyzerDir()) / "xsl",
+                 fs::copy_options::recursive | fs::copy_options::overwrite_existing);
     }
 
     std::string analyzerDir() const { return m_dir.File("Analyzer") + "/"; }
@@ -42,8 +50,7 @@ public:
 
     static bool HasTools() { return !zdt::FindProgramOnPath("Xalan").empty(); }
     static bool HasPdfTools() {
-        return HasTools() && !zdt::FindProgramOnPath("fop").empty() && !zdt::FindProgramOnPath("pdfinfo").empty() &&
-               !zdt::FindProgramOnPath("pdfunite").empty();
+        return HasTools() && !zdt::FindProgramOnPath("fop").empty() && !zdt::FindProgramOnPath("pdftotext").empty();
     }
 
 private:

@@ -7,6 +7,4 @@
   <xsl:param name="chunk" select="'whole'"/>
   <!-- The line number of the chunk's first row. -->
   <xsl:param name="first-line" select="1"/>
-  <!-- The number of the chunk's first page. -->
-  <xsl:param name="first-page" select="1"/>
 </xsl:stylesheet>
