@@ -79,10 +79,10 @@ find_program(ZDT_DPKG_SHLIBDEPS dpkg-shlibdeps)
 if(NOT ZDT_DPKG_SHLIBDEPS)
     message(STATUS "dpkg-shlibdeps not found: cpack -G DEB needs the package dpkg-dev")
 endif()
-# The XQuery engine (Saxon-HE on a Java runtime), Xalan-C, FOP and poppler-utils are the
-# tools behind filters and exports. The rest lets a desktop open traces by double-click:
+# The XQuery engine (Saxon-HE on a Java runtime), Xalan-C and FOP are the tools behind
+# filters and exports. The rest lets a desktop open traces by double-click:
 # xdg-open reads the MIME database through mimetype (libfile-mimeinfo-perl), and the
 # triggers of shared-mime-info and desktop-file-utils register the types and the entry.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
-    "libsaxonhe-java, default-jre-headless, xalan, fop, poppler-utils, shared-mime-info, desktop-file-utils, xdg-utils, libfile-mimeinfo-perl, hicolor-icon-theme")
+    "libsaxonhe-java, default-jre-headless, xalan, fop, shared-mime-info, desktop-file-utils, xdg-utils, libfile-mimeinfo-perl, hicolor-icon-theme")
 include(CPack)

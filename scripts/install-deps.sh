@@ -7,7 +7,8 @@ packages=(cmake ninja-build g++ make pkg-config libgtest-dev libgmock-dev libexp
           qt6-base-dev qt6-base-dev-tools qt6-charts-dev libqt6opengl6-dev libgl-dev fonts-dejavu-core clang-format
           dpkg-dev desktop-file-utils shared-mime-info
           default-jre-headless libsaxonhe-java
-          xalan fop poppler-utils)
+          xalan fop
+          poppler-utils) # pdftotext, for the tests that read the PDF exports
 if [ "${ZDT_WITH_FUZZ:-0}" = "1" ]; then
     packages+=(clang libclang-rt-14-dev)
 fi

@@ -57,6 +57,20 @@ protected:
         return names;
     }
 
+    // Cancels `control` once the tool has written its process id to `pidFile`.
+    static std::thread cancelOnceStarted(const std::string& pidFile, zdt::OperationControl& control) {
+        return std::thread([pidFile, &control] {
+            while (!fs::exists(pidFile) || TempDir::Read(pidFile).empty())
+                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            control.requestCancel();
+        });
+    }
+
+    // A tool that would run for half a minute and tells where it runs.
+    static std::string sleepingScript(const std::string& pidFile) {
+        return "#!/bin/sh\necho $$ > '" + pidFile + "'\nexec sleep 30\n";
+    }
+
     ExportInstallation installation;
     TempDir out;
     RecordingMessages messages;
@@ -221,19 +235,14 @@ TEST_F(ConversionPipelineTest, AChunkedRunGivesTheWholeRunsOutput) {
 }
 
 TEST_F(ConversionPipelineTest, ACancelEndsTheToolAndLeavesNothing) {
-    // A tool that would run for half a minute and tells where it runs.
     const std::string pidFile = out.File("tool.pid");
-    installation.write("xalan.sh", "#!/bin/sh\necho $$ > '" + pidFile + "'\nexec sleep 30\n");
+    installation.write("xalan.sh", sleepingScript(pidFile));
     fs::permissions(installation.analyzerDir() + "xalan.sh", fs::perms::owner_all);
     ZDTAnalyzer::XpvtNewConversion conversion(installation.settings());
     const std::string input = out.Write("t.xpvt", SmallTrace);
 
     zdt::OperationControl control;
-    std::thread canceller([&] {
-        while (!fs::exists(pidFile) || TempDir::Read(pidFile).empty())
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        control.requestCancel();
-    });
+    std::thread canceller = cancelOnceStarted(pidFile, control);
     const auto start = std::chrono::steady_clock::now();
     const OperationStatus status = conversion.toHtml(input, out.File("t.html"), messages, control);
     canceller.join();
@@ -350,13 +359,9 @@ TEST_F(ConversionPipelineTest, APdfInPiecesEndsCleanlyWhateverTheFormatterDoes) 
     messages.shown.clear();
 
     const std::string pidFile = out.File("formatter.pid");
-    installation.write("fo2pdf.sh", "#!/bin/sh\necho $$ > '" + pidFile + "'\nexec sleep 30\n");
+    installation.write("fo2pdf.sh", sleepingScript(pidFile));
     zdt::OperationControl control;
-    std::thread canceller([&] {
-        while (!fs::exists(pidFile) || TempDir::Read(pidFile).empty())
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        control.requestCancel();
-    });
+    std::thread canceller = cancelOnceStarted(pidFile, control);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(conversion.toPdf(input, out.File("cancelled.pdf"), messages, control), OperationStatus::Cancelled);
     canceller.join();
