@@ -4,44 +4,83 @@
      Every child of Trace but VariantSelected and VariantDetected begins by emptying every
      value the rows read; those two only add to theirs (see x702-variant-carry). Inside a
      child values pile up from element to element until the next element that empties
-     them, and errors wait for the next flush: the child is first turned into a flat list
-     of events in document order (x702-events), then folded over with the values as
-     parameters (x702-fold), which is how the rows come out. The parameter level that
-     sets the indent follows the nesting and travels on the events. -->
+     them, and errors wait for the next flush: each child is first turned into a list of
+     events in document order (a <g>), then folded over (x702-fold), which is how the
+     rows come out. The parameter level that sets the indent travels on the events.
+
+     What Xalan-C makes slow, and how this sheet keeps clear of it:
+     - every live string value and every template parameter slows down the next ones, so
+       the fold starts afresh at every event that empties the values (its recursion is
+       as short as the stretch between two of them) and carries the texts gathered as a
+       node-set of events, not as a parameter per value;
+     - a step along an axis gathers the whole axis before a predicate picks from it, and
+       position() searches the list for its node: the fold steps from sibling to sibling
+       within a parameter's events (an <s> each), and nothing walks the children of
+       Trace by axis;
+     - the values of attributes in its trees go to one table that slows down as distinct
+       values pile up: texts that vary stay texts;
+     - a tree fragment with elements made per row slows down every later one: the rows
+       are written straight out. -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform"
                 xmlns:xalan="http://xml.apache.org/xalan"
                 xmlns:str="http://exslt.org/strings" exclude-result-prefixes="xalan str">
 
   <xsl:include href="../common/xpvt_common.xsl"/>
 
+  <!-- The key is a text, not an attribute: the processor keeps every attribute value of
+       its trees in one table, which slows down as distinct values pile up. -->
+  <xsl:key name="x702-trace-child" match="trace-child" use="i"/>
+
   <xsl:template name="export-titles">
     <c w="30">Line</c><c w="150">Event</c><c w="160">LogicalLink</c><c w="160">Location</c><c w="40">ID</c>
     <c w="110">Time</c><c w="200">Description</c><c w="200">Value</c><c w="40">Unit</c><c w="120">RangeInfo</c>
   </xsl:template>
 
-  <!-- One tree of events for all children, then one fold per child. Message lines are
-       cut after the fold from a <q> that stands in for them, so that the fold's
-       recursion stays shallow and its time linear. Each parameter's events stand in an
-       <s> of their own: the processor appends a child in time that grows with the
-       children already there, so long runs of siblings in a tree fragment cost the
-       square of their length. -->
   <xsl:template name="export-rows">
+    <xsl:variable name="traces" select="/*[name() = 'ProcessValueTrace']/*[name() = 'Trace']"/>
+    <xsl:variable name="children-tree">
+      <xsl:if test="$traces/*[name() = 'VariantDetected' or name() = 'VariantSelected']">
+        <xsl:for-each select="$traces">
+          <xsl:call-template name="x702-trace-children">
+            <xsl:with-param name="trace" select="position()"/>
+          </xsl:call-template>
+        </xsl:for-each>
+      </xsl:if>
+    </xsl:variable>
+    <xsl:variable name="children" select="xalan:nodeset($children-tree)"/>
+    <!-- A <g> of events per child of Trace; a variant right under Trace is a single <z>. -->
     <xsl:variable name="events-tree">
-      <xsl:for-each select="/*[name() = 'ProcessValueTrace']/*[name() = 'Trace']/*">
-        <g><xsl:apply-templates select="." mode="x702-trace"/></g>
+      <xsl:for-each select="$traces">
+        <xsl:variable name="trace" select="position()"/>
+        <xsl:for-each select="*">
+          <xsl:choose>
+            <xsl:when test="name() = 'VariantDetected' or name() = 'VariantSelected'">
+              <xsl:call-template name="x702-variant">
+                <xsl:with-param name="children" select="$children"/>
+                <xsl:with-param name="trace" select="$trace"/>
+                <xsl:with-param name="at" select="position()"/>
+              </xsl:call-template>
+            </xsl:when>
+            <xsl:otherwise>
+              <g><xsl:apply-templates select="." mode="x702-trace"/></g>
+            </xsl:otherwise>
+          </xsl:choose>
+        </xsl:for-each>
       </xsl:for-each>
     </xsl:variable>
-    <xsl:variable name="folded-tree">
-      <xsl:for-each select="xalan:nodeset($events-tree)/g[*]">
-        <xsl:call-template name="x702-fold">
-          <xsl:with-param name="events" select=".//*[not(self::s)]"/>
-        </xsl:call-template>
-      </xsl:for-each>
-    </xsl:variable>
-    <xsl:for-each select="xalan:nodeset($folded-tree)/*">
+    <xsl:for-each select="xalan:nodeset($events-tree)/*">
       <xsl:choose>
-        <xsl:when test="self::q"><xsl:apply-templates select="." mode="x702-message"/></xsl:when>
-        <xsl:otherwise><xsl:copy-of select="."/></xsl:otherwise>
+        <xsl:when test="self::z">
+          <r k="2"><c><xsl:value-of select="@e"/></c><c/><c><xsl:value-of select="translate(., $unprintable, '')"/></c><c/><c/><c/><c/><c/><c/></r>
+        </xsl:when>
+        <xsl:otherwise>
+          <!-- Every other child of Trace begins with <c/>. -->
+          <xsl:for-each select="descendant::c">
+            <xsl:call-template name="x702-fold">
+              <xsl:with-param name="e" select="following-sibling::*[1]"/>
+            </xsl:call-template>
+          </xsl:for-each>
+        </xsl:otherwise>
       </xsl:choose>
     </xsl:for-each>
   </xsl:template>
@@ -52,7 +91,8 @@
        variant right under Trace, its value with it; <f l="level"/> writes the errors
        gathered so far; <m e="Request|Response" l="level"/> the message rows unless <d/>
        came first; <v e="side" l="level"/> ends a Value (s="1": its parameter's row is
-       left out, a child response parameter came before it). -->
+       left out, a child response parameter came before it). A parameter's events stand
+       in an <s> of their own, closed by <u/>. -->
 
   <xsl:template name="x702-text">
     <xsl:param name="slot"/>
@@ -131,45 +171,83 @@
     </xsl:for-each>
   </xsl:template>
 
-  <xsl:template match="*[name() = 'VariantDetected' or name() = 'VariantSelected']" mode="x702-trace">
-    <xsl:variable name="value">
-      <xsl:call-template name="x702-variant-carry">
-        <xsl:with-param name="from" select="."/>
-        <xsl:with-param name="kind" select="name()"/>
-      </xsl:call-template>
+  <!-- A variant right under Trace: its value is what the variants of its kind before it
+       left there (see x702-variant-carry), then its own text. -->
+  <xsl:template name="x702-variant">
+    <xsl:param name="children"/>
+    <xsl:param name="trace"/>
+    <xsl:param name="at"/>
+    <xsl:variable name="kind" select="name()"/>
+    <z e="{$kind}">
+      <xsl:for-each select="$children">
+        <xsl:call-template name="x702-variant-carry">
+          <xsl:with-param name="trace" select="$trace"/>
+          <xsl:with-param name="at" select="$at - 1"/>
+          <xsl:with-param name="kind" select="$kind"/>
+        </xsl:call-template>
+      </xsl:for-each>
       <xsl:call-template name="own-text"/>
-    </xsl:variable>
-    <z e="{name()}"><xsl:value-of select="$value"/></z>
+    </z>
+  </xsl:template>
+
+  <!-- The children of Trace by number, as far as a variant's value needs them: the text of
+       a variant, the texts of a FinishDiagComPrimitive's variants, whether a child empties
+       the values (X) or leaves them alone (O). A variant looks back by key: a step to the
+       preceding sibling would gather every sibling before it. -->
+  <xsl:template name="x702-trace-children">
+    <xsl:param name="trace"/>
+    <xsl:for-each select="*">
+      <xsl:variable name="n" select="name()"/>
+      <xsl:choose>
+        <xsl:when test="$n = 'VariantDetected' or $n = 'VariantSelected'">
+          <trace-child c="{$n}">
+            <i><xsl:value-of select="concat($trace, '.', position())"/></i>
+            <xsl:element name="{$n}"><xsl:call-template name="own-text"/></xsl:element>
+          </trace-child>
+        </xsl:when>
+        <xsl:when test="$n = 'FinishDiagComPrimitive'">
+          <trace-child c="F">
+            <i><xsl:value-of select="concat($trace, '.', position())"/></i>
+            <VariantDetected>
+              <xsl:for-each select="*[name() = 'VariantDetected']"><xsl:call-template name="own-text"/></xsl:for-each>
+            </VariantDetected>
+            <VariantSelected>
+              <xsl:for-each select="*[name() = 'VariantSelected']"><xsl:call-template name="own-text"/></xsl:for-each>
+            </VariantSelected>
+          </trace-child>
+        </xsl:when>
+        <xsl:when test="$n = 'StartTrace' or $n = 'StopTrace' or $n = 'OpenLogicalLink' or $n = 'CloseLogicalLink'
+                        or $n = 'StartDiagComPrimitive' or $n = 'Result'">
+          <trace-child c="X"><i><xsl:value-of select="concat($trace, '.', position())"/></i></trace-child>
+        </xsl:when>
+        <xsl:otherwise>
+          <trace-child c="O"><i><xsl:value-of select="concat($trace, '.', position())"/></i></trace-child>
+        </xsl:otherwise>
+      </xsl:choose>
+    </xsl:for-each>
   </xsl:template>
 
   <!-- What a variant right under Trace finds in its value before its own text: the texts
        of the variants of its kind back to the last child of Trace that emptied the
        values, and those of that child's own variants if it is a FinishDiagComPrimitive.
-       Other elements (the other kind of variant, unknown ones) leave the value alone. -->
+       Other elements (the other kind of variant, unknown ones) leave the value alone.
+       The context is the tree of x702-trace-children; $at numbers a child of the
+       $trace-th Trace. -->
   <xsl:template name="x702-variant-carry">
-    <xsl:param name="from"/>
+    <xsl:param name="trace"/>
+    <xsl:param name="at"/>
     <xsl:param name="kind"/>
-    <xsl:variable name="p" select="$from/preceding-sibling::*[1]"/>
-    <xsl:variable name="n" select="name($p)"/>
+    <xsl:variable name="p" select="key('x702-trace-child', concat($trace, '.', $at))"/>
     <xsl:choose>
-      <xsl:when test="not($p)"/>
-      <xsl:when test="$n = $kind">
-        <xsl:call-template name="x702-variant-carry">
-          <xsl:with-param name="from" select="$p"/>
-          <xsl:with-param name="kind" select="$kind"/>
-        </xsl:call-template>
-        <xsl:for-each select="$p"><xsl:call-template name="own-text"/></xsl:for-each>
-      </xsl:when>
-      <xsl:when test="$n = 'FinishDiagComPrimitive'">
-        <xsl:for-each select="$p/*[name() = $kind]"><xsl:call-template name="own-text"/></xsl:for-each>
-      </xsl:when>
-      <xsl:when test="$n = 'StartTrace' or $n = 'StopTrace' or $n = 'OpenLogicalLink' or $n = 'CloseLogicalLink'
-                      or $n = 'StartDiagComPrimitive' or $n = 'Result'"/>
+      <xsl:when test="not($p) or $p/@c = 'X'"/>
+      <xsl:when test="$p/@c = 'F'"><xsl:value-of select="$p/*[name() = $kind]"/></xsl:when>
       <xsl:otherwise>
         <xsl:call-template name="x702-variant-carry">
-          <xsl:with-param name="from" select="$p"/>
+          <xsl:with-param name="trace" select="$trace"/>
+          <xsl:with-param name="at" select="$at - 1"/>
           <xsl:with-param name="kind" select="$kind"/>
         </xsl:call-template>
+        <xsl:if test="$p/@c = $kind"><xsl:value-of select="$p/*[name() = $kind]"/></xsl:if>
       </xsl:otherwise>
     </xsl:choose>
   </xsl:template>
@@ -279,9 +357,9 @@
           <xsl:call-template name="x702-text"><xsl:with-param name="slot" select="34"/></xsl:call-template>
         </xsl:when>
         <xsl:when test="name() = 'RequestParameter'">
-          <s><xsl:call-template name="x702-parameter">
+          <xsl:call-template name="x702-parameter">
             <xsl:with-param name="side" select="'Request'"/><xsl:with-param name="level" select="3"/>
-          </xsl:call-template></s>
+          </xsl:call-template>
         </xsl:when>
       </xsl:choose>
     </xsl:for-each>
@@ -311,9 +389,9 @@
           <xsl:call-template name="x702-text"><xsl:with-param name="slot" select="35"/></xsl:call-template>
         </xsl:when>
         <xsl:when test="name() = 'ResponseParameter'">
-          <s><xsl:call-template name="x702-parameter">
+          <xsl:call-template name="x702-parameter">
             <xsl:with-param name="side" select="'Response'"/><xsl:with-param name="level" select="3"/>
-          </xsl:call-template></s>
+          </xsl:call-template>
         </xsl:when>
       </xsl:choose>
     </xsl:for-each>
@@ -327,6 +405,7 @@
   <xsl:template name="x702-parameter">
     <xsl:param name="side"/>
     <xsl:param name="level"/>
+    <s>
     <m e="{$side}" l="{$level - 1}"/>
     <f l="{$level - 1}"/>
     <c/>
@@ -364,259 +443,292 @@
         </xsl:when>
         <xsl:when test="name() = 'Error'"><xsl:call-template name="x702-error"/></xsl:when>
         <xsl:when test="name() = $child">
-          <s><xsl:call-template name="x702-parameter">
+          <xsl:call-template name="x702-parameter">
             <xsl:with-param name="side" select="$side"/><xsl:with-param name="level" select="$level + 1"/>
-          </xsl:call-template></s>
+          </xsl:call-template>
         </xsl:when>
       </xsl:choose>
     </xsl:for-each>
     <d/>
     <f l="{$level - ($side = 'Response')}"/>
+    <u/>
+    </s>
   </xsl:template>
 
   <!-- Indents: two blanks a level above the first. -->
   <xsl:variable name="x702-blanks-run" select="str:padding(2000, ' ')"/>
 
-  <!-- The fold: one call per event, the values as parameters. The events still to come
-       are passed as a node-set: stepping to a following sibling inside a result tree
-       fragment costs time that grows with the whole fragment. -->
+  <!-- The fold from the event after a <c/> up to the next <c/> or the end of the <g>. The
+       values are the <t> events in $acc (the texts of a slot join in document order), but
+       for the value of a Value, which a row leaves cleaned: what it left is in $s36, the
+       texts that came after it are in $acc. $s46 is the chain of parent primitives; $due
+       holds until the first <d/> or Value. Only the values a row shows are ever joined. -->
   <xsl:template name="x702-fold">
-    <xsl:param name="events"/>
-    <xsl:param name="i" select="1"/>
-    <xsl:variable name="e" select="$events[$i]"/>
-    <xsl:param name="s2" select="''"/>
-    <xsl:param name="s4" select="''"/>
-    <xsl:param name="s5" select="''"/>
-    <xsl:param name="s7" select="''"/>
-    <xsl:param name="s10" select="''"/>
-    <xsl:param name="s24" select="''"/>
-    <xsl:param name="s25" select="''"/>
-    <xsl:param name="s26" select="''"/>
-    <xsl:param name="s27" select="''"/>
-    <xsl:param name="s28" select="''"/>
-    <xsl:param name="s29" select="''"/>
-    <xsl:param name="s30" select="''"/>
-    <xsl:param name="s31" select="''"/>
-    <xsl:param name="s32" select="''"/>
-    <xsl:param name="s33" select="''"/>
-    <xsl:param name="s34" select="''"/>
-    <xsl:param name="s35" select="''"/>
+    <xsl:param name="e"/>
+    <xsl:param name="acc" select="/.."/>
     <xsl:param name="s36" select="''"/>
-    <xsl:param name="s37" select="''"/>
-    <xsl:param name="s38" select="''"/>
-    <xsl:param name="s39" select="''"/>
-    <xsl:param name="s41" select="''"/>
-    <xsl:param name="s42" select="''"/>
-    <xsl:param name="s43" select="''"/>
     <xsl:param name="s46" select="''"/>
-    <xsl:param name="s47" select="''"/>
-    <xsl:variable name="indent" select="substring($x702-blanks-run, 1, 2 * ($e/@l - 1))"/>
-    <xsl:variable name="link" select="translate($s2, $unprintable, '')"/>
-    <xsl:variable name="name" select="translate($s7, $unprintable, '')"/>
-    <xsl:variable name="object-type" select="translate($s29, $unprintable, '')"/>
-    <xsl:variable name="chain" select="translate($s46, $unprintable, '')"/>
-    <xsl:variable name="kind" select="string($e/@e)"/>
-    <!-- A Value: the text its radix makes of it, before its row. -->
-    <xsl:variable name="converted">
-      <xsl:if test="$e/self::v">
-        <xsl:call-template name="x702-convert-value">
-          <xsl:with-param name="value" select="$s36"/>
-          <xsl:with-param name="radix" select="$s42"/>
-        </xsl:call-template>
-      </xsl:if>
-    </xsl:variable>
-    <xsl:choose>
-      <xsl:when test="$e/self::w">
-        <xsl:choose>
-          <xsl:when test="$kind = 'StartTrace'">
-            <xsl:call-template name="x702-row">
-              <xsl:with-param name="f1" select="'Start Trace'"/>
-              <xsl:with-param name="f2" select="translate(concat($s4, ' ', $s26), $unprintable, '')"/>
-              <xsl:with-param name="f5" select="translate($s25, $unprintable, '')"/>
-            </xsl:call-template>
-          </xsl:when>
-          <xsl:when test="$kind = 'StopTrace'">
-            <xsl:call-template name="x702-row">
-              <xsl:with-param name="f1" select="'Stop Trace'"/>
-              <xsl:with-param name="f5" select="translate($s25, $unprintable, '')"/>
-            </xsl:call-template>
-          </xsl:when>
-          <xsl:when test="$kind = 'OpenLogicalLink' or $kind = 'CloseLogicalLink'">
-            <xsl:call-template name="x702-row">
-              <xsl:with-param name="f1" select="$kind"/>
-              <xsl:with-param name="f2" select="$link"/>
-              <xsl:with-param name="f3" select="translate($s27, $unprintable, '')"/>
-              <xsl:with-param name="f5" select="translate($s24, $unprintable, '')"/>
-            </xsl:call-template>
-          </xsl:when>
-          <xsl:when test="$kind = 'VariantDetectedInFinish'">
-            <xsl:call-template name="x702-row">
-              <xsl:with-param name="f1" select="'  VariantDetected'"/>
-              <xsl:with-param name="f3" select="translate($s30, $unprintable, '')"/>
-            </xsl:call-template>
-          </xsl:when>
-          <xsl:when test="$kind = 'VariantSelectedInFinish'">
-            <xsl:call-template name="x702-row">
-              <xsl:with-param name="f1" select="'  VariantSelected'"/>
-              <xsl:with-param name="f3" select="translate($s31, $unprintable, '')"/>
-            </xsl:call-template>
-          </xsl:when>
-          <xsl:otherwise>
-            <!-- The head row of a primitive, the chain of its parents, the primitive. -->
-            <xsl:choose>
-              <xsl:when test="$kind = 'PrimitiveResult'">
-                <xsl:call-template name="x702-row">
-                  <xsl:with-param name="f1" select="concat('Result [', $object-type, ']')"/>
-                  <xsl:with-param name="f2" select="$link"/>
-                  <xsl:with-param name="f4" select="translate($s28, $unprintable, '')"/>
-                </xsl:call-template>
-              </xsl:when>
-              <xsl:otherwise>
-                <xsl:call-template name="x702-row">
-                  <xsl:with-param name="k" select="1"/>
-                  <xsl:with-param name="f1" select="concat(substring('Start [', 1, 7 * ($kind = 'PrimitiveStart')),
-                                                           substring('Stop [', 1, 6 * ($kind = 'PrimitiveFinish')),
-                                                           $object-type, ']')"/>
-                  <xsl:with-param name="f2" select="$link"/>
-                  <xsl:with-param name="f3" select="translate($s27, $unprintable, '')"/>
-                  <xsl:with-param name="f4" select="translate($s28, $unprintable, '')"/>
-                  <xsl:with-param name="f5" select="translate($s24, $unprintable, '')"/>
-                  <xsl:with-param name="f7" select="$name"/>
-                </xsl:call-template>
-              </xsl:otherwise>
-            </xsl:choose>
-            <xsl:if test="$s46 != ''">
-              <xsl:call-template name="x702-row">
-                <xsl:with-param name="f1" select="'   Called by'"/>
-                <xsl:with-param name="f7" select="$chain"/>
-              </xsl:call-template>
-            </xsl:if>
-            <xsl:call-template name="x702-row">
-              <xsl:with-param name="f1" select="'  DiagComPrimitive'"/>
-              <xsl:with-param name="f4" select="translate($s28, $unprintable, '')"/>
-              <xsl:with-param name="f6" select="concat($name, ':', $object-type)"/>
-              <xsl:with-param name="f7">
-                <xsl:call-template name="x702-cut-three-bytes"><xsl:with-param name="text" select="$chain"/></xsl:call-template>
+    <xsl:param name="due" select="true()"/>
+    <xsl:if test="$e and not($e/self::c)">
+      <xsl:choose>
+        <xsl:when test="$e/self::t">
+          <xsl:call-template name="x702-fold">
+            <xsl:with-param name="e" select="$e/following-sibling::*[1]"/>
+            <xsl:with-param name="acc" select="$acc | $e"/>
+            <xsl:with-param name="s36" select="$s36"/>
+            <xsl:with-param name="s46" select="$s46"/>
+            <xsl:with-param name="due" select="$due"/>
+          </xsl:call-template>
+        </xsl:when>
+        <xsl:when test="$e/self::v">
+          <!-- The text its radix makes of the value, before its row. -->
+          <xsl:variable name="converted">
+            <xsl:call-template name="x702-convert-value">
+              <xsl:with-param name="value">
+                <xsl:value-of select="$s36"/>
+                <xsl:for-each select="$acc[@n = 36]"><xsl:value-of select="."/></xsl:for-each>
+              </xsl:with-param>
+              <xsl:with-param name="radix">
+                <xsl:for-each select="$acc[@n = 42]"><xsl:value-of select="."/></xsl:for-each>
               </xsl:with-param>
             </xsl:call-template>
-          </xsl:otherwise>
-        </xsl:choose>
-      </xsl:when>
-      <xsl:when test="$e/self::z">
-        <xsl:call-template name="x702-row">
-          <xsl:with-param name="f1" select="$kind"/>
-          <xsl:with-param name="f3" select="translate($e, $unprintable, '')"/>
-        </xsl:call-template>
-      </xsl:when>
-      <xsl:when test="$e/self::f">
-        <xsl:variable name="code" select="translate($s37, $unprintable, '')"/>
-        <xsl:variable name="description" select="translate($s10, $unprintable, '')"/>
-        <xsl:variable name="vendor" select="translate($s38, $unprintable, '')"/>
-        <xsl:variable name="vendor-description" select="translate($s39, $unprintable, '')"/>
-        <xsl:if test="concat($code, $description, $vendor, $vendor-description) != ''">
-          <xsl:call-template name="x702-row">
-            <xsl:with-param name="k" select="3"/>
-            <xsl:with-param name="f1" select="concat($indent, 'Error')"/>
-            <xsl:with-param name="f4" select="$code"/>
-            <xsl:with-param name="f6" select="$description"/>
+          </xsl:variable>
+          <xsl:variable name="cleaned" select="translate($converted, $unprintable, '')"/>
+          <xsl:if test="not($e/@s)">
+            <r k="{2 * ($e/@e = 'RequestParameter')}">
+              <c>
+                <xsl:value-of select="concat(substring($x702-blanks-run, 1, 2 * ($e/@l - 1)), 'Parameter [')"/>
+                <xsl:for-each select="$acc[@n = 41]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+                <xsl:text>]</xsl:text>
+              </c>
+              <c/><c/><c/><c/>
+              <c><xsl:for-each select="$acc[@n = 7]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+              <c><xsl:value-of select="$cleaned"/></c>
+              <c><xsl:for-each select="$acc[@n = 33]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+              <c><xsl:for-each select="$acc[@n = 43]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+            </r>
+          </xsl:if>
+          <xsl:call-template name="x702-fold">
+            <xsl:with-param name="e" select="$e/following-sibling::*[1]"/>
+            <xsl:with-param name="acc" select="$acc[@n != 36]"/>
+            <!-- A row cleans the value it shows, in place. -->
+            <xsl:with-param name="s36"
+                            select="concat(substring($cleaned, 1, string-length($cleaned) * not($e/@s)),
+                                           substring($converted, 1, string-length($converted) * boolean($e/@s)))"/>
+            <xsl:with-param name="s46" select="$s46"/>
+            <xsl:with-param name="due" select="false()"/>
           </xsl:call-template>
-          <xsl:if test="concat($vendor, $vendor-description) != ''">
-            <xsl:call-template name="x702-row">
-              <xsl:with-param name="k" select="3"/>
-              <xsl:with-param name="f1" select="concat($indent, 'Error (Vendor)')"/>
-              <xsl:with-param name="f2" select="$link"/>
-              <xsl:with-param name="f4" select="$vendor"/>
-              <xsl:with-param name="f6" select="$vendor-description"/>
+        </xsl:when>
+        <xsl:when test="$e/self::f">
+          <xsl:variable name="errors" select="$acc[@n = 10 or @n = 37 or @n = 38 or @n = 39]"/>
+          <xsl:if test="$errors[translate(., $unprintable, '') != '']">
+            <xsl:variable name="indent" select="substring($x702-blanks-run, 1, 2 * ($e/@l - 1))"/>
+            <r k="3">
+              <c><xsl:value-of select="concat($indent, 'Error')"/></c><c/><c/>
+              <c><xsl:for-each select="$errors[@n = 37]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+              <c/>
+              <c><xsl:for-each select="$errors[@n = 10]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+              <c/><c/><c/>
+            </r>
+            <xsl:if test="$errors[@n = 38 or @n = 39][translate(., $unprintable, '') != '']">
+              <r k="3">
+                <c><xsl:value-of select="concat($indent, 'Error (Vendor)')"/></c>
+                <c><xsl:for-each select="$acc[@n = 2]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+                <c/>
+                <c><xsl:for-each select="$errors[@n = 38]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+                <c/>
+                <c><xsl:for-each select="$errors[@n = 39]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+                <c/><c/><c/>
+              </r>
+            </xsl:if>
+          </xsl:if>
+          <xsl:call-template name="x702-fold">
+            <xsl:with-param name="e" select="$e/following-sibling::*[1]"/>
+            <!-- Writing the errors empties them. -->
+            <xsl:with-param name="acc" select="$acc[not(@n = 10 or @n = 37 or @n = 38 or @n = 39)]"/>
+            <xsl:with-param name="s36" select="$s36"/>
+            <xsl:with-param name="s46" select="$s46"/>
+            <xsl:with-param name="due" select="$due"/>
+          </xsl:call-template>
+        </xsl:when>
+        <xsl:when test="$e/self::w">
+          <xsl:call-template name="x702-event-rows">
+            <xsl:with-param name="kind" select="string($e/@e)"/>
+            <xsl:with-param name="acc" select="$acc"/>
+            <xsl:with-param name="s46" select="$s46"/>
+          </xsl:call-template>
+          <xsl:call-template name="x702-fold">
+            <xsl:with-param name="e" select="$e/following-sibling::*[1]"/>
+            <xsl:with-param name="acc" select="$acc"/>
+            <xsl:with-param name="s36" select="$s36"/>
+            <!-- The primitive rows clean the chain in place: what is left decides the next
+                 "Called by" row and the next "-\->". -->
+            <xsl:with-param name="s46"
+                            select="concat(substring($s46, 1, string-length($s46) * not(starts-with($e/@e, 'Primitive'))),
+                                           substring(translate($s46, $unprintable, ''), 1, string-length($s46) * starts-with($e/@e, 'Primitive')))"/>
+            <xsl:with-param name="due" select="$due"/>
+          </xsl:call-template>
+        </xsl:when>
+        <xsl:when test="$e/self::m">
+          <xsl:if test="$due">
+            <!-- Slots of a request: name 5, bytes 34; of a response: name 7, bytes 35. -->
+            <xsl:variable name="request" select="$e/@e = 'Request'"/>
+            <xsl:call-template name="x702-message">
+              <xsl:with-param name="kind" select="string($e/@e)"/>
+              <xsl:with-param name="indent" select="substring($x702-blanks-run, 1, 2 * ($e/@l - 1))"/>
+              <xsl:with-param name="time">
+                <xsl:for-each select="$acc[@n = 24]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+              </xsl:with-param>
+              <xsl:with-param name="location">
+                <xsl:for-each select="$acc[@n = 27]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+              </xsl:with-param>
+              <xsl:with-param name="address">
+                <xsl:for-each select="$acc[@n = 32]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+              </xsl:with-param>
+              <xsl:with-param name="name">
+                <xsl:for-each select="$acc[@n = 7 - 2 * $request]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+              </xsl:with-param>
+              <xsl:with-param name="bytes">
+                <xsl:for-each select="$acc[@n = 35 - $request]"><xsl:value-of select="."/></xsl:for-each>
+              </xsl:with-param>
             </xsl:call-template>
           </xsl:if>
-        </xsl:if>
-      </xsl:when>
-      <xsl:when test="$e/self::m">
-        <xsl:if test="$s47 = ''">
-          <q e="{$kind}" indent="{$indent}" time="{translate($s24, $unprintable, '')}"
-             location="{translate($s27, $unprintable, '')}" address="{translate($s32, $unprintable, '')}">
-            <xsl:attribute name="name">
-              <xsl:choose>
-                <xsl:when test="$kind = 'Request'"><xsl:value-of select="translate($s5, $unprintable, '')"/></xsl:when>
-                <xsl:otherwise><xsl:value-of select="$name"/></xsl:otherwise>
-              </xsl:choose>
-            </xsl:attribute>
-            <xsl:attribute name="hex">
-              <xsl:choose>
-                <xsl:when test="$kind = 'Request'">
-                  <xsl:value-of select="translate(translate($s34, translate($s34, $hex-digits, ''), ''), 'abcdef', 'ABCDEF')"/>
-                </xsl:when>
-                <xsl:otherwise>
-                  <xsl:value-of select="translate(translate($s35, translate($s35, $hex-digits, ''), ''), 'abcdef', 'ABCDEF')"/>
-                </xsl:otherwise>
-              </xsl:choose>
-            </xsl:attribute>
-          </q>
-        </xsl:if>
-      </xsl:when>
-      <xsl:when test="$e/self::v">
-        <xsl:if test="not($e/@s)">
-          <xsl:call-template name="x702-row">
-            <xsl:with-param name="k" select="2 * ($kind = 'RequestParameter')"/>
-            <xsl:with-param name="f1" select="concat($indent, 'Parameter [', translate($s41, $unprintable, ''), ']')"/>
-            <xsl:with-param name="f6" select="$name"/>
-            <xsl:with-param name="f7" select="translate($converted, $unprintable, '')"/>
-            <xsl:with-param name="f8" select="translate($s33, $unprintable, '')"/>
-            <xsl:with-param name="f9" select="translate($s43, $unprintable, '')"/>
+          <xsl:call-template name="x702-fold">
+            <xsl:with-param name="e" select="$e/following-sibling::*[1]"/>
+            <xsl:with-param name="acc" select="$acc"/>
+            <xsl:with-param name="s36" select="$s36"/>
+            <xsl:with-param name="s46" select="$s46"/>
+            <xsl:with-param name="due" select="$due"/>
           </xsl:call-template>
-        </xsl:if>
-      </xsl:when>
-    </xsl:choose>
-    <xsl:if test="$i &lt; count($events)">
-      <!-- Infinity keeps a value whole; NaN empties it. -->
-      <xsl:variable name="keep" select="number(not($e/self::c)) div 0"/>
-      <xsl:variable name="keep-errors" select="number(not($e/self::c or $e/self::f)) div 0"/>
-      <xsl:variable name="t" select="$e/self::t"/>
-      <xsl:variable name="h" select="$e/self::h"/>
-      <xsl:variable name="primitive" select="boolean($e/self::w[starts-with(@e, 'Primitive')])"/>
-      <xsl:call-template name="x702-fold">
-        <xsl:with-param name="events" select="$events"/>
-        <xsl:with-param name="i" select="$i + 1"/>
-        <xsl:with-param name="s2" select="concat(substring($s2, 1, $keep), $t[@n = 2])"/>
-        <xsl:with-param name="s4" select="concat(substring($s4, 1, $keep), $t[@n = 4])"/>
-        <xsl:with-param name="s5" select="concat(substring($s5, 1, $keep), $t[@n = 5])"/>
-        <xsl:with-param name="s7" select="concat(substring($s7, 1, $keep), $t[@n = 7])"/>
-        <xsl:with-param name="s10" select="concat(substring($s10, 1, $keep-errors), $t[@n = 10])"/>
-        <xsl:with-param name="s24" select="concat(substring($s24, 1, $keep), $t[@n = 24])"/>
-        <xsl:with-param name="s25" select="concat(substring($s25, 1, $keep), $t[@n = 25])"/>
-        <xsl:with-param name="s26" select="concat(substring($s26, 1, $keep), $t[@n = 26])"/>
-        <xsl:with-param name="s27" select="concat(substring($s27, 1, $keep), $t[@n = 27])"/>
-        <xsl:with-param name="s28" select="concat(substring($s28, 1, $keep), $t[@n = 28])"/>
-        <xsl:with-param name="s29" select="concat(substring($s29, 1, $keep), $t[@n = 29])"/>
-        <xsl:with-param name="s30" select="concat(substring($s30, 1, $keep), $t[@n = 30])"/>
-        <xsl:with-param name="s31" select="concat(substring($s31, 1, $keep), $t[@n = 31])"/>
-        <xsl:with-param name="s32" select="concat(substring($s32, 1, $keep), $t[@n = 32])"/>
-        <xsl:with-param name="s33" select="concat(substring($s33, 1, $keep), $t[@n = 33])"/>
-        <xsl:with-param name="s34" select="concat(substring($s34, 1, $keep), $t[@n = 34])"/>
-        <xsl:with-param name="s35" select="concat(substring($s35, 1, $keep), $t[@n = 35])"/>
-        <xsl:with-param name="s36">
-          <xsl:choose>
-            <!-- A row cleans the value it shows, in place. -->
-            <xsl:when test="$e/self::v and not($e/@s)"><xsl:value-of select="translate($converted, $unprintable, '')"/></xsl:when>
-            <xsl:when test="$e/self::v"><xsl:value-of select="$converted"/></xsl:when>
-            <xsl:otherwise><xsl:value-of select="concat(substring($s36, 1, $keep), $t[@n = 36])"/></xsl:otherwise>
-          </xsl:choose>
-        </xsl:with-param>
-        <xsl:with-param name="s37" select="concat(substring($s37, 1, $keep-errors), $t[@n = 37])"/>
-        <xsl:with-param name="s38" select="concat(substring($s38, 1, $keep-errors), $t[@n = 38])"/>
-        <xsl:with-param name="s39" select="concat(substring($s39, 1, $keep-errors), $t[@n = 39])"/>
-        <xsl:with-param name="s41" select="concat(substring($s41, 1, $keep), $t[@n = 41])"/>
-        <xsl:with-param name="s42" select="concat(substring($s42, 1, $keep), $t[@n = 42])"/>
-        <xsl:with-param name="s43" select="concat(substring($s43, 1, $keep), $t[@n = 43])"/>
-        <!-- The primitive rows clean the chain in place: what is left decides the next
-             "Called by" row and the next "-\->". -->
-        <xsl:with-param name="s46"
-                        select="concat(substring($s46, 1, $keep * not($primitive)), substring($chain, 1, $keep * $primitive),
-                                       substring('-->', 1, 3 * ($s46 != '' and $h)), $h)"/>
-        <xsl:with-param name="s47"
-                        select="concat(substring($s47, 1, $keep), substring('RequestResponse', 1, 15 * boolean($e/self::d or $e/self::v)))"/>
-      </xsl:call-template>
+        </xsl:when>
+        <xsl:when test="$e/self::s or $e/self::u">
+          <!-- Into a parameter's events, or out of them to what follows the parameter. -->
+          <xsl:call-template name="x702-fold">
+            <xsl:with-param name="e" select="$e/self::s/*[1] | $e/self::u/../following-sibling::*[1]"/>
+            <xsl:with-param name="acc" select="$acc"/>
+            <xsl:with-param name="s36" select="$s36"/>
+            <xsl:with-param name="s46" select="$s46"/>
+            <xsl:with-param name="due" select="$due"/>
+          </xsl:call-template>
+        </xsl:when>
+        <xsl:otherwise>
+          <!-- <h> and <d/>. -->
+          <xsl:call-template name="x702-fold">
+            <xsl:with-param name="e" select="$e/following-sibling::*[1]"/>
+            <xsl:with-param name="acc" select="$acc"/>
+            <xsl:with-param name="s36" select="$s36"/>
+            <xsl:with-param name="s46" select="concat($s46, substring('-->', 1, 3 * ($e/self::h and $s46 != '')), $e/self::h)"/>
+            <xsl:with-param name="due" select="$due and not($e/self::d)"/>
+          </xsl:call-template>
+        </xsl:otherwise>
+      </xsl:choose>
     </xsl:if>
+  </xsl:template>
+
+  <!-- The rows of a <w e="kind"/>. -->
+  <xsl:template name="x702-event-rows">
+    <xsl:param name="kind"/>
+    <xsl:param name="acc"/>
+    <xsl:param name="s46"/>
+    <xsl:choose>
+      <xsl:when test="$kind = 'StartTrace'">
+        <r k="2">
+          <c>Start Trace</c>
+          <c>
+            <xsl:for-each select="$acc[@n = 4]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+            <xsl:text> </xsl:text>
+            <xsl:for-each select="$acc[@n = 26]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+          </c>
+          <c/><c/>
+          <c><xsl:for-each select="$acc[@n = 25]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+          <c/><c/><c/><c/>
+        </r>
+      </xsl:when>
+      <xsl:when test="$kind = 'StopTrace'">
+        <r k="2">
+          <c>Stop Trace</c><c/><c/><c/>
+          <c><xsl:for-each select="$acc[@n = 25]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+          <c/><c/><c/><c/>
+        </r>
+      </xsl:when>
+      <xsl:when test="$kind = 'OpenLogicalLink' or $kind = 'CloseLogicalLink'">
+        <r k="2">
+          <c><xsl:value-of select="$kind"/></c>
+          <c><xsl:for-each select="$acc[@n = 2]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+          <c><xsl:for-each select="$acc[@n = 27]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+          <c/>
+          <c><xsl:for-each select="$acc[@n = 24]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+          <c/><c/><c/><c/>
+        </r>
+      </xsl:when>
+      <xsl:when test="$kind = 'VariantDetectedInFinish'">
+        <r k="2">
+          <c>  VariantDetected</c><c/>
+          <c><xsl:for-each select="$acc[@n = 30]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+          <c/><c/><c/><c/><c/><c/>
+        </r>
+      </xsl:when>
+      <xsl:when test="$kind = 'VariantSelectedInFinish'">
+        <r k="2">
+          <c>  VariantSelected</c><c/>
+          <c><xsl:for-each select="$acc[@n = 31]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+          <c/><c/><c/><c/><c/><c/>
+        </r>
+      </xsl:when>
+      <xsl:otherwise>
+        <!-- The head row of a primitive, the chain of its parents, the primitive. -->
+        <xsl:variable name="link">
+          <xsl:for-each select="$acc[@n = 2]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+        </xsl:variable>
+        <xsl:variable name="name">
+          <xsl:for-each select="$acc[@n = 7]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+        </xsl:variable>
+        <xsl:variable name="object-type">
+          <xsl:for-each select="$acc[@n = 29]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+        </xsl:variable>
+        <xsl:variable name="id">
+          <xsl:for-each select="$acc[@n = 28]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each>
+        </xsl:variable>
+        <xsl:variable name="chain" select="translate($s46, $unprintable, '')"/>
+        <xsl:choose>
+          <xsl:when test="$kind = 'PrimitiveResult'">
+            <r k="2">
+              <c><xsl:value-of select="concat('Result [', $object-type, ']')"/></c>
+              <c><xsl:value-of select="$link"/></c><c/>
+              <c><xsl:value-of select="$id"/></c>
+              <c/><c/><c/><c/><c/>
+            </r>
+          </xsl:when>
+          <xsl:otherwise>
+            <r k="1">
+              <c>
+                <xsl:value-of select="concat(substring('Start [', 1, 7 * ($kind = 'PrimitiveStart')),
+                                             substring('Stop [', 1, 6 * ($kind = 'PrimitiveFinish')),
+                                             $object-type, ']')"/>
+              </c>
+              <c><xsl:value-of select="$link"/></c>
+              <c><xsl:for-each select="$acc[@n = 27]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+              <c><xsl:value-of select="$id"/></c>
+              <c><xsl:for-each select="$acc[@n = 24]"><xsl:value-of select="translate(., $unprintable, '')"/></xsl:for-each></c>
+              <c/>
+              <c><xsl:value-of select="$name"/></c>
+              <c/><c/>
+            </r>
+          </xsl:otherwise>
+        </xsl:choose>
+        <xsl:if test="$s46 != ''">
+          <r k="2"><c>   Called by</c><c/><c/><c/><c/><c/><c><xsl:value-of select="$chain"/></c><c/><c/></r>
+        </xsl:if>
+        <r k="2">
+          <c>  DiagComPrimitive</c><c/><c/>
+          <c><xsl:value-of select="$id"/></c>
+          <c/>
+          <c><xsl:value-of select="concat($name, ':', $object-type)"/></c>
+          <c><xsl:call-template name="x702-cut-three-bytes"><xsl:with-param name="text" select="$chain"/></xsl:call-template></c>
+          <c/><c/>
+        </r>
+      </xsl:otherwise>
+    </xsl:choose>
   </xsl:template>
 
   <!-- Radix 10 shows the value as it stands, 16 as "$" and the hexadecimal of its decimal
@@ -730,18 +842,27 @@
   </xsl:template>
 
   <!-- Message rows: 16 bytes a line, two groups of eight; the first row names the
-       message, the others show only their line. An empty message still has its row. -->
-  <xsl:template match="q" mode="x702-message">
-    <xsl:variable name="hex" select="concat(substring(@hex, 1, string-length(@hex) - (string-length(@hex) mod 2)),
-                                            substring(concat('0', substring(@hex, string-length(@hex))), 1, 2 * (string-length(@hex) mod 2)))"/>
-    <xsl:variable name="request" select="@e = 'Request'"/>
+       message, the others show only their line. An empty message still has its row.
+       $bytes is the message's text as it stands: only its hexadecimal digits count. -->
+  <xsl:template name="x702-message">
+    <xsl:param name="kind"/>
+    <xsl:param name="indent"/>
+    <xsl:param name="time"/>
+    <xsl:param name="location"/>
+    <xsl:param name="address"/>
+    <xsl:param name="name"/>
+    <xsl:param name="bytes"/>
+    <xsl:variable name="digits" select="translate(translate($bytes, translate($bytes, $hex-digits, ''), ''), 'abcdef', 'ABCDEF')"/>
+    <xsl:variable name="hex" select="concat(substring($digits, 1, string-length($digits) - (string-length($digits) mod 2)),
+                                            substring(concat('0', substring($digits, string-length($digits))), 1, 2 * (string-length($digits) mod 2)))"/>
+    <xsl:variable name="request" select="$kind = 'Request'"/>
     <xsl:call-template name="x702-row">
       <xsl:with-param name="k" select="2 * $request"/>
-      <xsl:with-param name="f1" select="concat(@indent, @e)"/>
-      <xsl:with-param name="f3" select="substring(@location, 1, string-length(@location) * not($request))"/>
-      <xsl:with-param name="f4" select="substring(@address, 1, string-length(@address) * not($request))"/>
-      <xsl:with-param name="f5" select="@time"/>
-      <xsl:with-param name="f6" select="@name"/>
+      <xsl:with-param name="f1" select="concat($indent, $kind)"/>
+      <xsl:with-param name="f3" select="substring($location, 1, string-length($location) * not($request))"/>
+      <xsl:with-param name="f4" select="substring($address, 1, string-length($address) * not($request))"/>
+      <xsl:with-param name="f5" select="$time"/>
+      <xsl:with-param name="f6" select="$name"/>
       <xsl:with-param name="f7">
         <xsl:call-template name="x702-line"><xsl:with-param name="hex" select="substring($hex, 1, 32)"/></xsl:call-template>
       </xsl:with-param>
@@ -749,7 +870,7 @@
     <xsl:call-template name="x702-more-lines">
       <xsl:with-param name="hex" select="substring($hex, 33)"/>
       <xsl:with-param name="k" select="2 * $request"/>
-      <xsl:with-param name="event" select="concat(@indent, substring('Request[Message]', 1, 16 * $request))"/>
+      <xsl:with-param name="event" select="concat($indent, substring('Request[Message]', 1, 16 * $request))"/>
     </xsl:call-template>
   </xsl:template>
 
