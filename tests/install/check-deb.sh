@@ -32,7 +32,7 @@ for library in libqt6core6 libqt6gui6 libqt6widgets6 libqt6printsupport6 libexpa
     grep -Eq "(^|, )$library( |,|$)" <<<"$depends" || fail "Depends lacks $library: $depends"
 done
 recommends="$(dpkg-deb -f "$deb" Recommends)"
-for tool in libsaxonhe-java default-jre-headless xalan fop poppler-utils; do
+for tool in libsaxonhe-java default-jre-headless xalan fop; do
     grep -Eq "(^|, )$tool(,|$)" <<<"$recommends" || fail "Recommends lacks $tool: $recommends"
 done
 
