@@ -167,11 +167,13 @@ OperationStatus runSheetInChunks(const ChunkPlan& plan, const std::string& sourc
 OperationStatus runPdfInChunks(const ChunkPlan& plan, const std::string& source, ConversionKind kind,
                                const std::string& foSheet, const SheetParameters& documentParameters,
                                const std::string& output, ToolRunner& tools) {
-    const ToolRunner::Formatter formatter = tools.formatter(tools.temporary(".fo"), output);
+    const std::string pipePath = tools.temporary(".fo");
+    const ToolRunner::Formatter formatter = tools.formatter(pipePath, output);
     const TemporaryFile formatterOutput(formatter.standardOutput);
     const TemporaryFile formatterError(formatter.standardError);
-    FormatterPipe pipe(formatter.arguments[1], formatter.arguments, tools.control());
+    FormatterPipe pipe(pipePath, formatter.arguments, tools.control());
     OperationStatus status = OperationStatus::Done;
+    bool fedWhole = true;
     zdt::RowCount firstLine = 1;
     for (std::size_t index = 0; index < plan.chunkCount() && status == OperationStatus::Done; ++index) {
         const std::optional<ChunkRun> chunk =
@@ -187,15 +189,19 @@ OperationStatus runPdfInChunks(const ChunkPlan& plan, const std::string& source,
             std::remove(part.c_str());
             status = statusOf(outcome);
         } else if (!pipe.append(std::move(part))) {
-            break; // the formatter has ended early: its run tells why
+            fedWhole = false; // the formatter has ended early: its run tells why
+            break;
         }
         firstLine += chunk->rows;
         if (status == OperationStatus::Done && !tools.control().onProgress(plan.cuts[index + 1], plan.fileSize))
             status = OperationStatus::Cancelled;
     }
-    const ProcessRun run = pipe.finish();
+    ProcessRun run = pipe.finish();
     if (status != OperationStatus::Done)
         return status; // its box is up; the formatter only saw its input cut short
+    // A formatter that ended well before it had the whole document made no whole PDF.
+    if (!fedWhole && run.outcome == ProcessOutcome::Succeeded)
+        run.outcome = ProcessOutcome::Failed;
     return statusOf(tools.reportPdf(run, formatter));
 }
 

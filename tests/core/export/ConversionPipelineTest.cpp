@@ -350,13 +350,16 @@ TEST_F(ConversionPipelineTest, APdfInPiecesEndsCleanlyWhateverTheFormatterDoes) 
     }
 
     installation.write("xsl/xpvt/pdf/xpvt_to_fo.xsl", PagePerChildSheet());
-    installation.write("fo2pdf.sh", "#!/bin/sh\necho 'no formatter here' >>\"$4\"\nexit 3\n");
-    fs::permissions(installation.analyzerDir() + "fo2pdf.sh", fs::perms::owner_all);
-    EXPECT_EQ(run(conversion, ExportFormat::Pdf, input, out.File("unread.pdf")), OperationStatus::Failed);
-    ASSERT_EQ(messages.shown.size(), 1u);
-    EXPECT_EQ(messages.shown[0].title, "E008_009 [Wrong file type]");
-    EXPECT_NE(messages.shown[0].text.find("no formatter here"), std::string::npos) << messages.shown[0].text;
-    messages.shown.clear();
+    for (const char* exitCode : {"3", "0"}) {
+        installation.write("fo2pdf.sh", "#!/bin/sh\necho 'no formatter here' >>\"$4\"\necho > \"$2\"\nexit " +
+                                            std::string(exitCode) + "\n");
+        fs::permissions(installation.analyzerDir() + "fo2pdf.sh", fs::perms::owner_all);
+        EXPECT_EQ(run(conversion, ExportFormat::Pdf, input, out.File("unread.pdf")), OperationStatus::Failed);
+        ASSERT_EQ(messages.shown.size(), 1u) << exitCode;
+        EXPECT_EQ(messages.shown[0].title, "E008_009 [Wrong file type]");
+        EXPECT_NE(messages.shown[0].text.find("no formatter here"), std::string::npos) << messages.shown[0].text;
+        messages.shown.clear();
+    }
 
     const std::string pidFile = out.File("formatter.pid");
     installation.write("fo2pdf.sh", sleepingScript(pidFile));
