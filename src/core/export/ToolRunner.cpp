@@ -64,49 +64,49 @@ void ToolRunner::showNotStarted(int error) {
         {CreateProcessFailedTitle, formatted(CreateProcessFailedText, error), zdt::MessageIcon::Warning});
 }
 
+ToolRunner::FailureBox ToolRunner::pdfFailureBox() const {
+    if (m_kind == ConversionKind::Snapshot)
+        return {SnpPdfFailedTitle, SnpPdfFailedText, false};
+    return {XpvtPdfFailedTitle, XpvtPdfFailedText, false};
+}
+
 ProcessOutcome ToolRunner::runScript(std::vector<std::string> arguments, const std::string& standardOutput,
-                                     const std::string& standardError, const char* failureTitle,
-                                     const std::string& failureText, bool lineFeedBetween) {
-    return report(runProcess(arguments, &m_control), standardOutput, standardError, failureTitle, failureText,
-                  lineFeedBetween);
+                                     const std::string& standardError, const FailureBox& box) {
+    return report(runProcess(arguments, &m_control), standardOutput, standardError, box);
 }
 
 ProcessOutcome ToolRunner::report(const ProcessRun& run, const std::string& standardOutput,
-                                  const std::string& standardError, const char* failureTitle,
-                                  const std::string& failureText, bool lineFeedBetween) {
+                                  const std::string& standardError, const FailureBox& box) {
     if (run.outcome == ProcessOutcome::NotStarted) {
         showNotStarted(run.startError);
     } else if (run.outcome == ProcessOutcome::Failed) {
-        std::string text = failureText + "standard output stream:\n" + fileText(standardOutput);
-        if (lineFeedBetween)
+        std::string text = std::string(box.text) + "standard output stream:\n" + fileText(standardOutput);
+        if (box.lineFeedBetween)
             text += "\n";
         text += "standard error stream:\n" + fileText(standardError);
-        m_messages.showMessage({failureTitle, text, zdt::MessageIcon::Warning});
+        m_messages.showMessage({box.title, text, zdt::MessageIcon::Warning});
     }
     return run.outcome;
 }
 
 ProcessOutcome ToolRunner::xalan(const std::string& input, const std::string& sheet, const std::string& output,
                                  const SheetParameters& parameters) {
-    return runXalan(input, sheet, output, parameters, TransformationFailedTitle, TransformationFailedText, true);
+    return runXalan(input, sheet, output, parameters, {TransformationFailedTitle, TransformationFailedText, true});
 }
 
 ProcessOutcome ToolRunner::xalanForPdf(const std::string& input, const std::string& sheet, const std::string& output,
                                        const SheetParameters& parameters) {
-    const bool snapshot = m_kind == ConversionKind::Snapshot;
-    return runXalan(input, sheet, output, parameters, snapshot ? SnpPdfFailedTitle : XpvtPdfFailedTitle,
-                    snapshot ? SnpPdfFailedText : XpvtPdfFailedText, false);
+    return runXalan(input, sheet, output, parameters, pdfFailureBox());
 }
 
 ProcessOutcome ToolRunner::runXalan(const std::string& input, const std::string& sheet, const std::string& output,
-                                    const SheetParameters& parameters, const char* failureTitle,
-                                    const std::string& failureText, bool lineFeedBetween) {
+                                    const SheetParameters& parameters, const FailureBox& box) {
     const std::string standardOutput = temporary(TmpTxtExtension);
     const std::string standardError = temporary(TmpTxtExtension);
     std::vector<std::string> arguments{
         m_settings.paths.xalanScript(), input, sheet, output, standardOutput, standardError};
     AppendSheetParameters(arguments, parameters);
-    return runScript(std::move(arguments), standardOutput, standardError, failureTitle, failureText, lineFeedBetween);
+    return runScript(std::move(arguments), standardOutput, standardError, box);
 }
 
 ProcessOutcome ToolRunner::pdf(const std::string& input, const std::string& output, const SheetParameters& parameters) {
@@ -115,10 +115,7 @@ ProcessOutcome ToolRunner::pdf(const std::string& input, const std::string& outp
     std::vector<std::string> arguments{m_settings.paths.sheets(m_kind).pdfScript, input, output, standardOutput,
                                        standardError};
     AppendSheetParameters(arguments, parameters);
-    const bool snapshot = m_kind == ConversionKind::Snapshot;
-    return runScript(std::move(arguments), standardOutput, standardError,
-                     snapshot ? SnpPdfFailedTitle : XpvtPdfFailedTitle, snapshot ? SnpPdfFailedText : XpvtPdfFailedText,
-                     false);
+    return runScript(std::move(arguments), standardOutput, standardError, pdfFailureBox());
 }
 
 ToolRunner::Formatter ToolRunner::formatter(const std::string& fo, const std::string& output) const {
@@ -128,10 +125,7 @@ ToolRunner::Formatter ToolRunner::formatter(const std::string& fo, const std::st
 }
 
 ProcessOutcome ToolRunner::reportPdf(const ProcessRun& run, const Formatter& formatter) {
-    const bool snapshot = m_kind == ConversionKind::Snapshot;
-    return report(run, formatter.standardOutput, formatter.standardError,
-                  snapshot ? SnpPdfFailedTitle : XpvtPdfFailedTitle, snapshot ? SnpPdfFailedText : XpvtPdfFailedText,
-                  false);
+    return report(run, formatter.standardOutput, formatter.standardError, pdfFailureBox());
 }
 
 } // namespace ZDTAnalyzer

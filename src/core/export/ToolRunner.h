@@ -44,14 +44,20 @@ public:
     zdt::OperationControl& control() { return m_control; }
 
 private:
+    // The box a tool's failure puts up: its title, the text before the captured streams, and
+    // whether a line feed stands between them.
+    struct FailureBox {
+        const char* title;
+        const char* text;
+        bool lineFeedBetween;
+    };
+    FailureBox pdfFailureBox() const;
     ProcessOutcome runXalan(const std::string& input, const std::string& sheet, const std::string& output,
-                            const SheetParameters& parameters, const char* failureTitle, const std::string& failureText,
-                            bool lineFeedBetween);
+                            const SheetParameters& parameters, const FailureBox& box);
     ProcessOutcome runScript(std::vector<std::string> arguments, const std::string& standardOutput,
-                             const std::string& standardError, const char* failureTitle, const std::string& failureText,
-                             bool lineFeedBetween);
+                             const std::string& standardError, const FailureBox& box);
     ProcessOutcome report(const ProcessRun& run, const std::string& standardOutput, const std::string& standardError,
-                          const char* failureTitle, const std::string& failureText, bool lineFeedBetween);
+                          const FailureBox& box);
     void showNotStarted(int error);
 
     const ConversionSettings& m_settings;
